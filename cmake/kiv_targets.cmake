@@ -1,0 +1,67 @@
+# What all targets have in common: language level, warnings, visibility, sanitizers, and where the results go.
+#
+#   build/<preset>/bin      programs
+#   build/<preset>/lib      shared libraries
+#   build/<preset>/lib/kiv  the data folder: registry file and simulated producer, as in an installation
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/archive)
+set(KIV_DATA_DIRECTORY ${CMAKE_BINARY_DIR}/lib/kiv)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+
+find_program(KIV_CCACHE ccache)
+if(KIV_CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER ${KIV_CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${KIV_CCACHE})
+endif()
+
+find_package(Threads REQUIRED)
+
+add_library(kiv_options INTERFACE)
+target_compile_options(kiv_options INTERFACE -Wall -Wextra -Werror -Wpedantic -Wshadow
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>)
+if(KIV_SANITIZE)
+  target_compile_options(kiv_options INTERFACE -fsanitize=${KIV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(kiv_options INTERFACE -fsanitize=${KIV_SANITIZE})
+endif()
+target_link_libraries(kiv_options INTERFACE Threads::Threads)
+
+# kiv_library(name SOURCES a.cpp b.cpp [LINK libs...] [PRIVATE_LINK libs...])
+# A room of the house: a static library whose public headers stand under <folder>/include, where there is one.
+function(kiv_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  if(IS_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/include)
+    target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/include)
+  endif()
+  target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE kiv_options ${ARG_PRIVATE_LINK})
+endfunction()
+
+# kiv_test(name SOURCES a.cpp [LINK libs...] [LABELS l...] [ENVIRONMENT K=V...])
+# A GoogleTest program; each of its cases is a case of ctest.
+include(GoogleTest)
+function(kiv_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} kiv_options GTest::gtest GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}"
+    ENVIRONMENT "${ARG_ENVIRONMENT}")
+endfunction()
