@@ -1,0 +1,67 @@
+/* The factory: finds the producers that the registry file lists, binds them, and keeps the list of cameras.
+ *
+ * One factory at a time is the normal use: a GenTL producer can be opened once in a process.
+ */
+#ifndef KIV_FACTORY_API_H
+#define KIV_FACTORY_API_H
+
+#include <kiv/types.h>
+
+/**
+ * Opens the factory on a registry file. Producers are bound later, by the first camera-list update.
+ *
+ * registryPath: macros such as $(KIV_SDK_DATA) are expanded from the environment. A path that is null, empty or cannot be opened falls
+ *               back to "$(KIV_SDK_DATA)\Registry_64.xml", then "$(KIV_SDK_BIN_64)\Registry.xml"; unset, these name the
+ *               data and program folders beside this library.
+ * phFactory:    set to null first. Also filled with K_ST_NO_DATA: the caller then still closes it.
+ * Returns K_ST_INVALID_PARAMETER (no registry file opens), K_ST_NO_DATA (the registry lists no producer or cannot be read),
+ * K_ST_INVALID_ADDRESS (no factory could be made).
+ */
+K_API K_STATUS_CODES K_CALL K_Factory_Open(const char* registryPath, FACTORY_HANDLE* phFactory);
+
+/** Closes the factory and with it every producer. Cameras must be closed before: their handles are dead afterwards. */
+K_API K_STATUS_CODES K_CALL K_Factory_Close(FACTORY_HANDLE hFactory);
+
+/**
+ * A fixed fact: 0 product version, 1 build date, 2 build time, 3 maker tag. Another number writes nothing.
+ * Unlike other texts: no capacity check (the buffer must hold the text), and a null buffer is a success that reports the size.
+ */
+K_API K_STATUS_CODES K_CALL K_Factory_GetInfo(uint32_t infoId, char* buffer, uint32_t* pSize);
+
+/** Binds producers that are not bound yet and lists their cameras anew. *pChanged tells whether the list differs. May be null. */
+K_API K_STATUS_CODES K_CALL K_Factory_UpdateCameraList(FACTORY_HANDLE hFactory, bool8_kiv* pChanged);
+
+/** The number of cameras in the list; the first call makes the list. */
+K_API K_STATUS_CODES K_CALL K_Factory_GetNumOfCameras(FACTORY_HANDLE hFactory, uint32_t* pNum);
+
+/** The identifier of one camera: "TL=>" producer key " , INT=>" interface id " , DEV=>" device id. */
+K_API K_STATUS_CODES K_CALL K_Factory_GetCameraIDByIndex(FACTORY_HANDLE hFactory, uint32_t index, char* buffer, uint32_t* pSize);
+
+/**
+ * One fact about a camera that need not be open, asked of its producer.
+ *
+ * infoCmd: 1 vendor, 2 model, 6 and 7 GenTL's numbers 6 (user defined name) and 7 (serial number), 1001 and 1002 producer-specific,
+ *          1003 the device part of the identifier (copied without a capacity check), anything else the device id.
+ * Texts follow the producer's own convention: a null buffer asks for the size.
+ */
+K_API K_STATUS_CODES K_CALL K_Factory_GetCameraInfo(FACTORY_HANDLE hFactory, const char* cameraId, uint32_t infoCmd, char* buffer,
+                                                    uint32_t* pSize);
+
+/** Copies the record of the last GenICam error of the process. It is not cleared. */
+K_API K_STATUS_CODES K_CALL K_Factory_GetGenICamErrorInfo(K_GC_ERROR_INFO* pInfo);
+
+/** What became of one producer that the registry lists. */
+typedef struct K_PRODUCER_REPORT {
+    char sKey[512];        /**< the key in camera identifiers */
+    char sPath[4096];      /**< the file, as far as it was found */
+    char sVendor[256];     /**< empty unless bound */
+    char sTLType[256];     /**< transport type, empty unless bound */
+    K_STATUS_CODES status; /**< 0: bound */
+    uint32_t disabled;     /**< 1: the registry switches it off */
+    char sReason[1024];    /**< why it was refused or skipped */
+} K_PRODUCER_REPORT;
+
+/** The report of the last discovery about registry element `index`; K_ST_INVALID_PARAMETER past the last one. */
+K_API K_STATUS_CODES K_CALL K_Factory_GetProducerReport(FACTORY_HANDLE hFactory, uint32_t index, K_PRODUCER_REPORT* pReport);
+
+#endif
