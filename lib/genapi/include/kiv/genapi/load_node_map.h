@@ -1,0 +1,18 @@
+/// Builds the node map of a device description.
+///
+/// The text may stand as it came from the device: with a byte order mark, with zero bytes behind its end, with Latin-1
+/// characters where UTF-8 was announced. A faulty node costs that node; a text that is no description at all throws
+/// RuntimeException. Nothing is read from the device: the map has no port until Connect().
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "GenApi/i_node_map.h"
+
+namespace kiv::genapi {
+
+/// The map keeps `description`. `deviceName` is the port that Connect(port) takes.
+std::unique_ptr<GenApi::INodeMap> load_node_map(std::string description, const std::string& deviceName = "Device");
+
+}  // namespace kiv::genapi
