@@ -1,0 +1,47 @@
+#include "camera/camera.h"
+
+#include <algorithm>
+
+namespace GenICam::Factory {
+
+CCameraClass::OpenDevice::~OpenDevice() {
+    if (handle && producer.DevClose) producer.DevClose(handle);
+}
+
+CCameraClass::CCameraClass(CTLWrapper& producer, GenTL::IF_HANDLE interface_handle, GenTL::DEV_HANDLE device)
+    : producer_(producer), interface_(interface_handle), device_{producer, device} {
+    GenTL::PORT_HANDLE port = nullptr;
+    kiv::require_success(producer.DevGetPort(device, &port));
+    remote_device_ = std::make_unique<CRemoteDeviceClass>(producer, port);
+}
+
+CCameraClass::~CCameraClass() { EndAttachments(); }
+
+bool CCameraClass::Attach(CCameraAttachment& attachment) {
+    GEV::CAutoLock lock(section_);
+    if (closing_) return false;
+    attachments_.push_back(&attachment);
+    return true;
+}
+
+void CCameraClass::Detach(CCameraAttachment& attachment) {
+    GEV::CAutoLock lock(section_);
+    std::erase(attachments_, &attachment);
+}
+
+void CCameraClass::EndAttachments() {
+    // One at a time and without the lock: an attachment that ends waits for its thread, which may be using the camera.
+    for (;;) {
+        CCameraAttachment* attachment = nullptr;
+        {
+            GEV::CAutoLock lock(section_);
+            closing_ = true;
+            if (attachments_.empty()) return;
+            attachment = attachments_.back();
+            attachments_.pop_back();
+        }
+        attachment->CameraCloses();
+    }
+}
+
+}  // namespace GenICam::Factory

@@ -1,0 +1,70 @@
+/// CCameraClass: an opened camera.
+///
+/// Owns the device that its producer opened and the node map over the remote device's port. Streams that still run when the camera is
+/// closed are stopped first: they register as attachments.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "camera/remote_device.h"
+#include "transport/interface.h"
+#include "transport/lock.h"
+
+namespace GenICam::Factory {
+
+class CFactory;
+
+/// Something that runs on a camera and has to end before the camera does.
+class CCameraAttachment {
+public:
+    /// Ends everything that uses the camera. Called once, on the thread that closes the camera; the attachment must not touch the camera
+    /// afterwards.
+    virtual void CameraCloses() = 0;
+
+protected:
+    ~CCameraAttachment() = default;
+};
+
+class CCameraClass {
+public:
+    /// Takes the device over. Throws StatusError when the producer gives no port for it; the device is closed then.
+    CCameraClass(CTLWrapper& producer, GenTL::IF_HANDLE interface_handle, GenTL::DEV_HANDLE device);
+    virtual ~CCameraClass();
+    CCameraClass(const CCameraClass&) = delete;
+    CCameraClass& operator=(const CCameraClass&) = delete;
+
+    CTLWrapper& Producer() const { return producer_; }
+    GenTL::IF_HANDLE Interface() const { return interface_; }
+    GenTL::DEV_HANDLE Device() const { return device_.handle; }
+    CRemoteDeviceClass& RemoteDevice() { return *remote_device_; }
+    /// Null when the camera has none.
+    GenApi::INodeMap* GetNodeMap() noexcept { return remote_device_ ? remote_device_->GetNodeMap() : nullptr; }
+
+    CFactory* Factory() const { return factory_; }
+    void SetFactory(CFactory& factory) { factory_ = &factory; }
+
+    /// An attachment that is added to a camera that is closing is told at once: false.
+    bool Attach(CCameraAttachment& attachment);
+    void Detach(CCameraAttachment& attachment);
+    void EndAttachments();
+
+private:
+    struct OpenDevice {
+        CTLWrapper& producer;
+        GenTL::DEV_HANDLE handle;
+        ~OpenDevice();
+    };
+
+    CTLWrapper& producer_;
+    GenTL::IF_HANDLE interface_;
+    OpenDevice device_;
+    std::unique_ptr<CRemoteDeviceClass> remote_device_;
+    CFactory* factory_ = nullptr;
+    GEV::CCriticalSection section_;
+    std::vector<CCameraAttachment*> attachments_;
+    bool closing_ = false;
+    kiv::LiveHandle live_{this, kiv::HandleKind::camera};
+};
+
+}  // namespace GenICam::Factory

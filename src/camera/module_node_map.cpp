@@ -1,0 +1,37 @@
+#include "camera/module_node_map.h"
+
+#include <GenICam/exceptions.h>
+#include <kiv/genapi/load_node_map.h>
+#include <kiv/platform/debug_output.h>
+
+#include "camera/description.h"
+
+namespace GenICam::Factory {
+
+CModuleNodeMap::CModuleNodeMap() = default;
+CModuleNodeMap::~CModuleNodeMap() = default;
+
+void CModuleNodeMap::BuildNodeMap(const CTLWrapper& producer, GenTL::PORT_HANDLE port, const std::string& port_name) {
+    auto url = kiv::description_url(producer, port);
+    auto description = kiv::fetch_description(producer, port, url);
+    auto map = kiv::genapi::load_node_map(std::move(description), port_name);
+    auto implementation = std::make_unique<MyPortImp>(producer, port);
+    if (!map->Connect(implementation.get(), port_name))
+        throw RuntimeException("The description at " + url + " has no port named '" + port_name + "'.", "ModuleNodeMap", __LINE__);
+    node_map_.reset();
+    port_ = std::move(implementation);
+    node_map_ = std::move(map);
+}
+
+void read_own_node_map(CTLWrapper& producer) {
+    auto system = std::make_unique<CSystemModule>();
+    try {
+        system->BuildNodeMap(producer, producer.TL(), "TLPort");
+        producer.Adopt(std::move(system));
+    } catch (const kiv::StatusError& error) {
+        kiv::platform::debug_print("read_own_node_map: the producer " + producer.Path() + " serves no description (status " +
+                                   std::to_string(error.code) + ")\n");
+    }
+}
+
+}  // namespace GenICam::Factory

@@ -1,0 +1,41 @@
+/// A module with a node map of its own: a camera's remote device, a stream, a producer's system.
+///
+/// Owns the map and the port that it reaches the module through. The map is built once; its description comes from the module's port.
+#pragma once
+
+#include <GenApi/i_node_map.h>
+
+#include <memory>
+#include <string>
+
+#include "camera/port.h"
+
+namespace GenICam::Factory {
+
+class CModuleNodeMap {
+public:
+    CModuleNodeMap();
+    virtual ~CModuleNodeMap();
+    CModuleNodeMap(const CModuleNodeMap&) = delete;
+    CModuleNodeMap& operator=(const CModuleNodeMap&) = delete;
+
+    /// Null when there is none; never throws.
+    virtual GenApi::INodeMap* GetNodeMap() noexcept { return node_map_.get(); }
+
+    /// Fetches the description behind `port`, builds the map and connects it at the port node `port_name`. Throws GenICam exceptions
+    /// and StatusError.
+    virtual void BuildNodeMap(const CTLWrapper& producer, GenTL::PORT_HANDLE port, const std::string& port_name);
+
+protected:
+    std::unique_ptr<MyPortImp> port_;  // before the map, which borrows it
+    std::unique_ptr<GenApi::INodeMap> node_map_;
+};
+
+/// The node map of a producer's system module, as a child of its binding.
+class CSystemModule final : public CProducerChild, public CModuleNodeMap {};
+
+/// Reads the own node map of a producer that was just bound and lets the binding keep it. A producer without a description of its own
+/// is none the worse: only GenICam exceptions leave.
+void read_own_node_map(CTLWrapper& producer);
+
+}  // namespace GenICam::Factory

@@ -1,0 +1,29 @@
+/// MyPortImp: the register port between a node map and a producer's PORT_HANDLE.
+///
+/// A transfer that the producer refuses becomes a RuntimeException whose text names the reason, the operation, the address and
+/// the length; the same text goes to the debugger output. The port borrows the handle: whoever opened the module closes it.
+#pragma once
+
+#include <GenApi/register_port_impl.h>
+
+#include "transport/tl_wrapper.h"
+
+namespace GenICam::Factory {
+
+class MyPortImp final : public GenApi::CRegisterPortImpl {
+public:
+    MyPortImp(const CTLWrapper& producer, GenTL::PORT_HANDLE port);
+
+    void Read(void* buffer, int64_t address, int64_t length) override;
+    void Write(const void* buffer, int64_t address, int64_t length) override;
+    void ReadRegister(void* buffer, int64_t address, int64_t length) override;
+    void WriteRegister(const void* buffer, int64_t address, int64_t length) override;
+    GenApi::EAccessMode GetAccessMode() const override { return GenApi::RW; }
+
+private:
+    GenTL::PORT_HANDLE port_;
+    GenTL::PGCReadPort read_;
+    GenTL::PGCWritePort write_;
+};
+
+}  // namespace GenICam::Factory

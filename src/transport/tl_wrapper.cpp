@@ -1,0 +1,128 @@
+#include "transport/tl_wrapper.h"
+
+#include <GenICam/exceptions.h>
+#include <kiv/platform/debug_output.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "transport/interface.h"
+
+namespace GenICam::Factory {
+
+namespace {
+
+bool is_gige_type(const std::string& type) { return type.starts_with("GEV") || type.starts_with("GigEVision"); }
+
+template <class Function>
+bool resolve(const kiv::platform::DynamicLibrary& module, Function& entry, const char* name) {
+    entry = reinterpret_cast<Function>(module.Symbol(name));
+    return entry != nullptr;
+}
+
+}  // namespace
+
+CTLWrapper::CTLWrapper() = default;
+
+CTLWrapper::~CTLWrapper() {
+    if (TLClose && hTL) TLClose(hTL);
+    if (GCCloseLib && owns_library_state_) GCCloseLib();
+    children_.clear();
+    module_.reset();
+    interfaces_.clear();
+}
+
+K_STATUS_CODES CTLWrapper::Load(const std::string& path) {
+    bIsGigE = false;
+    path_ = path;
+    try {
+        try {
+            module_.emplace(path);
+        } catch (const kiv::platform::LoadError& error) {
+            kiv::platform::debug_print(std::string("CTLWrapper: ") + error.what() + "\n");
+            throw RuntimeException(std::string("Library could not be loaded. ") + error.what(), "CTLWrapper", __LINE__);
+        }
+        ResolveMandatory();
+    } catch (const std::exception& error) {
+        auto* known = dynamic_cast<const GenericException*>(&error);
+        refusal_ = known ? known->GetDescription() : error.what();
+        return K_ST_NOT_IMPLEMENTED;
+    }
+
+    // A module that another binding of this process has initialised says RESOURCE_IN_USE; whatever TLOpen then says is the status of
+    // this binding. Its library state is then not ours to close.
+    owns_library_state_ = GCInitLib() != GenTL::GC_ERR_RESOURCE_IN_USE;
+    Identify();
+    if (auto status = TLOpen(&hTL); status != GenTL::GC_ERR_SUCCESS) {
+        hTL = nullptr;
+        refusal_ = "TLOpen failed with status " + std::to_string(status) + ".";
+        std::string detail = producer_text([&](char* text, std::size_t* size) {
+            GenTL::GC_ERROR code = 0;
+            return GCGetLastError(&code, text, size);
+        });
+        if (!detail.empty()) refusal_ += " The producer says: " + detail;
+        return status;
+    }
+    WakeOwnSystemModule();
+    ResolveOptional();
+    bIsGigE = ResolveExtensions();
+    return K_ST_SUCCESS;
+}
+
+void CTLWrapper::ResolveMandatory() {
+#define KIV_RESOLVE(name)                                                                                                 \
+    if (!resolve(*module_, name, #name))                                                                                  \
+        throw RuntimeException(std::string("Function could not be loaded. :") + #name, "CTLWrapper", __LINE__);
+    KIV_MANDATORY_ENTRIES(KIV_RESOLVE)
+#undef KIV_RESOLVE
+}
+
+void CTLWrapper::ResolveOptional() {
+#define KIV_RESOLVE(name) resolve(*module_, name, #name);
+    KIV_OPTIONAL_ENTRIES(KIV_RESOLVE)
+    KIV_CAMERA_LINK_ENTRIES(KIV_RESOLVE)
+#undef KIV_RESOLVE
+}
+
+bool CTLWrapper::ResolveExtensions() {
+    // The first gap ends the group: a producer is not to be taken for one that has the later ones by accident.
+#define KIV_RESOLVE(name) \
+    if (!resolve(*module_, name, #name)) return false;
+    KIV_GIGE_ENTRIES(KIV_RESOLVE)
+#undef KIV_RESOLVE
+    return true;
+}
+
+void CTLWrapper::Identify() {
+    ReadText(GenTL::TL_INFO_VENDOR, sVendor);
+    ReadText(GenTL::TL_INFO_NAME, sName);
+    ReadText(GenTL::TL_INFO_TLTYPE, sTLType);
+}
+
+void CTLWrapper::ReadText(GenTL::TL_INFO_CMD command, char (&text)[256]) const {
+    std::string full = producer_text([&](char* buffer, std::size_t* size) {
+        GenTL::INFO_DATATYPE type = 0;
+        return GCGetInfo(command, &type, buffer, size);
+    });
+    auto length = std::min(full.size(), sizeof text - 1);
+    full.copy(text, length);
+    text[length] = '\0';
+}
+
+void CTLWrapper::WakeOwnSystemModule() const {
+    // Only this producer waits for the write; to any other it would be a write to a register that we know nothing about.
+    if (std::strcmp(sVendor, "Kivotek") != 0 || std::strcmp(sName, "KivGevTL.cti") != 0) return;
+    const std::uint32_t zero = 0;
+    std::size_t size = sizeof zero;
+    GCWritePort(hTL, 0, &zero, &size);
+}
+
+bool CTLWrapper::IsGigE() {
+    if (!TLGetInfo) return bIsGigE = false;
+    return bIsGigE = is_gige_type(producer_text([&](char* buffer, std::size_t* size) {
+               GenTL::INFO_DATATYPE type = 0;
+               return TLGetInfo(hTL, GenTL::TL_INFO_TLTYPE, &type, buffer, size);
+           }));
+}
+
+}  // namespace GenICam::Factory
