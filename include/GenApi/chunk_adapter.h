@@ -29,19 +29,29 @@ class KIV_GENICAM_API CChunkAdapter {
 public:
     /// `maxChunkCacheSize` in bytes: larger chunks are never copied. -1: no limit.
     explicit CChunkAdapter(INodeMap* map = nullptr, int64_t maxChunkCacheSize = -1);
+    /// A copy has no node map: a port node has room for one implementation.
     CChunkAdapter(const CChunkAdapter&);
     CChunkAdapter& operator=(const CChunkAdapter&);
     virtual ~CChunkAdapter();
 
+    /// The map is borrowed: it must live until DetachNodeMap() or this object's end.
     void AttachNodeMap(INodeMap* map);
     void DetachNodeMap();
     virtual bool CheckBufferLayout(uint8_t* buffer, int64_t length) = 0;
     virtual void AttachBuffer(uint8_t* buffer, int64_t length, AttachStatistics_t* statistics = nullptr) = 0;
+    /// The buffer may be reused afterwards. Copies of chunks whose port asks for one stay readable.
     virtual void DetachBuffer();
+    /// The same layout in another buffer.
     virtual void UpdateBuffer(uint8_t* base);
     void ClearCaches();
 
 protected:
+    /// Lays the chunks under the ports. `bufferLength` of -1 is unknown. A list that cannot be true (an offset or a length that
+    /// is negative or outside the buffer) detaches all ports and throws InvalidArgumentException. Of chunks with one id the first
+    /// counts.
+    void AttachChunks(uint8_t* buffer, int64_t bufferLength, const SingleChunkData_t* chunks, int64_t count,
+                      AttachStatistics_t* statistics);
+
     INodeMap* map_ = nullptr;
     std::list<CChunkPort> ports_;
     int64_t maxChunkCacheSize_;
@@ -55,8 +65,11 @@ public:
     CChunkAdapterGeneric& operator=(const CChunkAdapterGeneric&);
     ~CChunkAdapterGeneric() override;
 
+    /// The buffer and the list must be as the list says; where the buffer's length is known, the other form checks it.
     void AttachBuffer(uint8_t* buffer, const SingleChunkData_t* chunks, int64_t count, AttachStatistics_t* statistics = nullptr);
-    /// The generic adapter knows no layout of its own.
+    void AttachBuffer(uint8_t* buffer, int64_t bufferLength, const SingleChunkData_t* chunks, int64_t count,
+                      AttachStatistics_t* statistics = nullptr);
+    /// The generic adapter knows no layout of its own: these answer false and throw LogicalErrorException.
     bool CheckBufferLayout(uint8_t* buffer, int64_t length) override;
     void AttachBuffer(uint8_t* buffer, int64_t length, AttachStatistics_t* statistics = nullptr) override;
 };

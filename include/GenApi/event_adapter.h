@@ -14,10 +14,12 @@ class INodeMap;
 class KIV_GENICAM_API CEventAdapter {
 public:
     explicit CEventAdapter(INodeMap* map = nullptr);
+    /// A copy has no node map: a port node has room for one implementation.
     CEventAdapter(const CEventAdapter&);
     CEventAdapter& operator=(const CEventAdapter&);
     virtual ~CEventAdapter();
 
+    /// The map is borrowed: it must live until DetachNodeMap() or this object's end.
     void AttachNodeMap(INodeMap* map);
     void DetachNodeMap();
     /// The message of the transport, header included. The bytes are copied.
@@ -27,7 +29,7 @@ public:
 
 private:
     struct EventNode {
-        uint64_t id;
+        std::vector<uint8_t> id;  // the most significant byte first
         INode* node;
     };
     INodeMap* map_ = nullptr;
@@ -35,7 +37,8 @@ private:
     std::vector<EventNode> nodes_;  // those that are no ports
 };
 
-/// For the event packets of GigE Vision's control channel.
+/// For the event packets of GigE Vision's control channel. A packet that is no event, or that ends before it says so, throws
+/// InvalidArgumentException and delivers nothing.
 class KIV_GENICAM_API CEventAdapterGEV : public CEventAdapter {
 public:
     explicit CEventAdapterGEV(INodeMap* map = nullptr);

@@ -1,0 +1,66 @@
+#include "GenApi/event_adapter.h"
+
+#include "GenApi/i_node.h"
+#include "GenApi/i_node_map.h"
+#include "GenICam/exceptions.h"
+#include "adapters/hex_id.h"
+
+namespace GenApi {
+
+CEventAdapter::CEventAdapter(INodeMap* map) {
+    if (map) AttachNodeMap(map);
+}
+
+CEventAdapter::CEventAdapter(const CEventAdapter&) {}
+
+CEventAdapter& CEventAdapter::operator=(const CEventAdapter& other) {
+    if (this != &other) DetachNodeMap();
+    return *this;
+}
+
+CEventAdapter::~CEventAdapter() {
+    try {
+        DetachNodeMap();
+    } catch (...) {  // of a callback that heard of the change; nobody is left to be told
+    }
+}
+
+void CEventAdapter::AttachNodeMap(INodeMap* map) {
+    if (!map) throw GenICam::InvalidArgumentException("An event adapter was given no node map.");
+    DetachNodeMap();
+    const AutoLock lock(map->GetLock());
+    map_ = map;
+    NodeList_t all;
+    map->GetNodes(all);
+    for (INode* node : all) {
+        const std::vector<uint8_t> id = kiv::genapi::id_bytes(node->GetEventID());
+        if (id.empty()) continue;
+        if (ports_.emplace_back().AttachNode(node)) continue;
+        ports_.pop_back();
+        nodes_.push_back({id, node});
+    }
+}
+
+void CEventAdapter::DetachNodeMap() {
+    if (!map_) return;
+    const AutoLock lock(map_->GetLock());
+    map_ = nullptr;
+    nodes_.clear();
+    ports_.clear();
+}
+
+void CEventAdapter::DeliverEvent(const uint8_t* data, uint32_t length, uint64_t id) {
+    if (!map_) return;
+    {
+        // All ports first: a callback of one of them may read another.
+        const AutoLock lock(map_->GetLock());
+        for (CEventPort& port : ports_)
+            if (port.CheckEventID(id)) port.StoreEvent(data, length);
+    }
+    for (CEventPort& port : ports_)
+        if (port.CheckEventID(id)) port.InvalidateNode();
+    for (const EventNode& node : nodes_)
+        if (kiv::genapi::is_id(node.id, id)) node.node->InvalidateNode();
+}
+
+}  // namespace GenApi
