@@ -1,0 +1,96 @@
+#include "frame_receiver.h"
+
+#include <VL.h>
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+
+FrameReceiver::FrameReceiver(FrameQueue& queue, uint64_t wanted) : queue_(queue), wanted_(wanted) { Expect(); }
+
+void FrameReceiver::OnImage(void* context, K_IMAGE_INFO* image) noexcept {
+    auto& self = *static_cast<FrameReceiver*>(context);
+    // The caller is C code on the stream's thread: an exception must not reach it.
+    try {
+        self.Take(*image);
+    } catch (const std::exception& failure) {
+        self.Fail(failure.what());
+    }
+}
+
+void FrameReceiver::Expect() {
+    const std::lock_guard lock(mutex_);
+    state_.last_sign_of_life = Clock::now();
+}
+
+bool FrameReceiver::WaitForEnd(std::chrono::milliseconds time) const {
+    std::unique_lock lock(mutex_);
+    return ended_.wait_for(lock, time, [this] { return IsFinished(); });
+}
+
+Reception FrameReceiver::State() const {
+    const std::lock_guard lock(mutex_);
+    Reception state = state_;
+    if (delivering_) state.last_sign_of_life = Clock::now();
+    return state;
+}
+
+void FrameReceiver::Take(const K_IMAGE_INFO& image) {
+    const std::optional<Ticket> ticket = Enter(image);
+    if (!ticket) return;
+    Frame frame{ticket->number, image, queue_.TakeMemory()};
+    const auto* begin = static_cast<const uint8_t*>(image.image_data);
+    frame.data.assign(begin, begin + ticket->bytes);
+    frame.info.image_data = frame.data.data();
+    frame.info.image_size = static_cast<uint32_t>(ticket->bytes);
+    const bool queued = queue_.Push(std::move(frame));
+    Leave(queued ? ticket->bytes : 0);
+}
+
+std::optional<FrameReceiver::Ticket> FrameReceiver::Enter(const K_IMAGE_INFO& image) {
+    const std::lock_guard lock(mutex_);
+    if (IsFinished() || (wanted_ != 0 && entered_ == wanted_)) return std::nullopt;
+    const Clock::time_point now = Clock::now();
+    state_.last_sign_of_life = now;
+    CountMissing(image.frame_id);
+    uint64_t bytes = 0;
+    const VL_STATUS size_known = vlGetRawSize(&image, &bytes);
+    // A format that the imaging library does not know is kept as it is: raw files can hold it.
+    if (size_known == VL_ST_NOT_IMPLEMENTED) bytes = image.image_size;
+    const bool is_whole = size_known == VL_ST_SUCCESS || size_known == VL_ST_NOT_IMPLEMENTED;
+    if (!is_whole || image.image_data == nullptr) {
+        ++state_.incomplete;
+        return std::nullopt;
+    }
+    if (!state_.first) state_.first = now;
+    state_.last = now;
+    state_.width = image.width;
+    state_.height = image.height;
+    state_.pixel_type = image.pixel_type;
+    delivering_ = true;
+    return Ticket{++entered_, bytes};
+}
+
+void FrameReceiver::CountMissing(uint64_t frame_id) {
+    // Ids that run backwards began anew (16-bit ids of older cameras do after 65535): nothing can be said about a gap there.
+    if (last_frame_id_ && frame_id > *last_frame_id_ + 1) state_.missing += frame_id - *last_frame_id_ - 1;
+    last_frame_id_ = frame_id;
+}
+
+void FrameReceiver::Leave(uint64_t queued_bytes) {
+    const std::lock_guard lock(mutex_);
+    state_.frames += queued_bytes != 0 ? 1 : 0;
+    state_.bytes += queued_bytes;
+    state_.last_sign_of_life = Clock::now();
+    delivering_ = false;
+    if (IsFinished()) ended_.notify_all();
+}
+
+void FrameReceiver::Fail(const std::string& reason) {
+    const std::lock_guard lock(mutex_);
+    state_.failure = reason;
+    delivering_ = false;
+    ended_.notify_all();
+}
+
+bool FrameReceiver::IsFinished() const { return !state_.failure.empty() || (wanted_ != 0 && state_.frames == wanted_); }

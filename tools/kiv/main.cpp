@@ -1,0 +1,67 @@
+// kiv: cameras from the command line. This file reads the command line and turns failures into messages and exit codes.
+
+#include <array>
+#include <cstdio>
+#include <exception>
+
+#include "error.h"
+#include "options.h"
+#include "session.h"
+
+namespace {
+
+constexpr const char* kFooter =
+    "Examples:\n"
+    "  kiv list\n"
+    "  kiv features 0\n"
+    "  kiv set 0 ExposureTime=5000 PixelFormat=BayerRG12p\n"
+    "  kiv grab 0 -n 50 -o shots --format tiff\n"
+    "\n"
+    "Exit codes: 0 ok, 1 an operation failed, 2 wrong command line, 3 no registry, producer or camera,\n"
+    "            4 camera not found, ambiguous or in use, 5 incomplete grab, 130 interrupted";
+
+std::string version_text() {
+    return std::string("kiv ") + KIV_VERSION + " (library " + library_info(0) + ", " + library_info(1) + " " + library_info(2) +
+           ")";
+}
+
+using AddCommand = void (*)(CLI::App&, Invocation&);
+constexpr std::array<AddCommand, 9> kCommands{add_list_command, add_info_command, add_features_command,
+                                              add_get_command,  add_set_command,  add_exec_command,
+                                              add_xml_command,  add_grab_command, add_producers_command};
+
+/// What ends up on the error stream starts with the program's name, like the messages of any tool in a script.
+int report(ExitCode exit, const char* message) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "kiv: %s\n", message);
+    return static_cast<int>(exit);
+}
+
+int run(int argc, char** argv) {
+    CLI::App app("Cameras from the command line: list them, read and set their features, grab images.", "kiv");
+    app.set_version_flag("--version", version_text);
+    app.footer(kFooter);
+    app.require_subcommand(1);
+    Invocation invocation;
+    for (const AddCommand add : kCommands) add(app, invocation);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& wrong) {
+        return app.exit(wrong) == 0 ? static_cast<int>(ExitCode::kOk) : static_cast<int>(ExitCode::kUsage);
+    }
+    return static_cast<int>(invocation.run());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        const int exit = run(argc, argv);
+        // A full disk behind a redirection shows only here.
+        return std::fflush(stdout) == 0 ? exit : report(ExitCode::kFailed, "the output could not be written");
+    } catch (const ToolError& failure) {
+        return report(failure.Exit(), failure.what());
+    } catch (const std::exception& failure) {
+        return report(ExitCode::kFailed, failure.what());
+    }
+}
