@@ -10,18 +10,20 @@
 
 /** Opens a camera of the list. accessMode: GenTL's (3 control). openOption: reserved, handed to the description retrieval.
  *  A producer that is not GigE Vision is always asked for exclusive access. */
-K_API K_STATUS_CODES K_CALL K_Camera_OpenEx(FACTORY_HANDLE hFactory, const char* cameraId, CAM_HANDLE* phCamera, uint32_t accessMode,
-                                            uint32_t multicast, uint32_t openOption);
+K_API K_STATUS_CODES K_CALL K_Camera_OpenEx(FACTORY_HANDLE hFactory, const char* cameraId, CAM_HANDLE* phCamera,
+                                            uint32_t accessMode, uint32_t multicast, uint32_t openOption);
 /** K_Camera_OpenEx with access mode 3 and multicast 0. */
-K_API K_STATUS_CODES K_CALL K_Camera_Open(FACTORY_HANDLE hFactory, const char* cameraId, CAM_HANDLE* phCamera, uint32_t openOption);
+K_API K_STATUS_CODES K_CALL K_Camera_Open(FACTORY_HANDLE hFactory, const char* cameraId, CAM_HANDLE* phCamera,
+                                          uint32_t openOption);
 /** K_Camera_OpenEx with open option 0. */
-K_API K_STATUS_CODES K_CALL K_Camera_OpenMc(FACTORY_HANDLE hFactory, const char* cameraId, CAM_HANDLE* phCamera, uint32_t accessMode,
-                                            uint32_t multicast);
+K_API K_STATUS_CODES K_CALL K_Camera_OpenMc(FACTORY_HANDLE hFactory, const char* cameraId, CAM_HANDLE* phCamera,
+                                            uint32_t accessMode, uint32_t multicast);
 /** K_Camera_OpenEx with access mode 3, multicast 0, open option 0. */
 K_API K_STATUS_CODES K_CALL K_Camera_Open_Proxy(FACTORY_HANDLE hFactory, const char* cameraId, CAM_HANDLE* phCamera);
 /** Opens a device through the producer's multicast extension. phDevice receives the producer's device handle. */
-K_API K_STATUS_CODES K_CALL K_Camera_IFOpenDeviceMc(TRANSPORT_LAYER_HANDLE hTransportLayer, INTERFACE_HANDLE hInterface, const char* deviceId,
-                                                    uint32_t accessMode, void** phDevice, uint32_t multicast);
+K_API K_STATUS_CODES K_CALL K_Camera_IFOpenDeviceMc(TRANSPORT_LAYER_HANDLE hTransportLayer, INTERFACE_HANDLE hInterface,
+                                                    const char* deviceId, uint32_t accessMode, void** phDevice,
+                                                    uint32_t multicast);
 /** Closes a camera. With no camera open at all the call is a success that does nothing. */
 K_API K_STATUS_CODES K_CALL K_Camera_Close(CAM_HANDLE hCamera);
 
@@ -38,7 +40,8 @@ K_API K_STATUS_CODES K_CALL K_Camera_GetNodeByName(CAM_HANDLE hCamera, const cha
 K_API K_STATUS_CODES K_CALL K_Camera_GetFeatureByName(CAM_HANDLE hCamera, const char* name, NODE_HANDLE* phNode);
 /** The direct features of a category, sub-categories included, unfiltered. A name that is no category sets the count to 0. */
 K_API K_STATUS_CODES K_CALL K_Camera_GetNumOfSubFeatures(CAM_HANDLE hCamera, const char* category, uint32_t* pCount);
-K_API K_STATUS_CODES K_CALL K_Camera_GetSubFeatureByIndex(CAM_HANDLE hCamera, const char* category, uint32_t index, NODE_HANDLE* phNode);
+K_API K_STATUS_CODES K_CALL K_Camera_GetSubFeatureByIndex(CAM_HANDLE hCamera, const char* category, uint32_t index,
+                                                          NODE_HANDLE* phNode);
 
 /* Shortcuts: the look-up, then the function of node.h with verification. */
 K_API K_STATUS_CODES K_CALL K_Camera_GetValueInt64(CAM_HANDLE hCamera, const char* name, int64_t* pValue);

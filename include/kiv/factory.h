@@ -10,10 +10,9 @@
 /**
  * Opens the factory on a registry file. Producers are bound later, by the first camera-list update.
  *
- * registryPath: macros such as $(KIV_SDK_DATA) are expanded from the environment. A path that is null, empty or cannot be opened falls
- *               back to "$(KIV_SDK_DATA)\Registry_64.xml", then "$(KIV_SDK_BIN_64)\Registry.xml"; unset, these name the
- *               data and program folders beside this library.
- * phFactory:    set to null first. Also filled with K_ST_NO_DATA: the caller then still closes it.
+ * registryPath: macros such as $(KIV_SDK_DATA) are expanded from the environment. A path that is null, empty or cannot be opened
+ * falls back to "$(KIV_SDK_DATA)\Registry_64.xml", then "$(KIV_SDK_BIN_64)\Registry.xml"; unset, these name the data and program
+ * folders beside this library. phFactory:    set to null first. Also filled with K_ST_NO_DATA: the caller then still closes it.
  * Returns K_ST_INVALID_PARAMETER (no registry file opens), K_ST_NO_DATA (the registry lists no producer or cannot be read),
  * K_ST_INVALID_ADDRESS (no factory could be made).
  */
@@ -28,7 +27,7 @@ K_API K_STATUS_CODES K_CALL K_Factory_Close(FACTORY_HANDLE hFactory);
  */
 K_API K_STATUS_CODES K_CALL K_Factory_GetInfo(uint32_t infoId, char* buffer, uint32_t* pSize);
 
-/** Binds producers that are not bound yet and lists their cameras anew. *pChanged tells whether the list differs. May be null. */
+/** Binds producers that are not bound yet and lists their cameras anew. *pChanged tells whether the list differs. */
 K_API K_STATUS_CODES K_CALL K_Factory_UpdateCameraList(FACTORY_HANDLE hFactory, bool8_kiv* pChanged);
 
 /** The number of cameras in the list; the first call makes the list. */
@@ -40,9 +39,9 @@ K_API K_STATUS_CODES K_CALL K_Factory_GetCameraIDByIndex(FACTORY_HANDLE hFactory
 /**
  * One fact about a camera that need not be open, asked of its producer.
  *
- * infoCmd: 1 vendor, 2 model, 6 and 7 GenTL's numbers 6 (user defined name) and 7 (serial number), 1001 and 1002 producer-specific,
- *          1003 the device part of the identifier (copied without a capacity check), anything else the device id.
- * Texts follow the producer's own convention: a null buffer asks for the size.
+ * infoCmd: 1 vendor, 2 model, 6 and 7 GenTL's numbers 6 (user defined name) and 7 (serial number), 1001 and 1002
+ * producer-specific, 1003 the device part of the identifier (copied without a capacity check), anything else the device id. Texts
+ * follow the producer's own convention: a null buffer asks for the size.
  */
 K_API K_STATUS_CODES K_CALL K_Factory_GetCameraInfo(FACTORY_HANDLE hFactory, const char* cameraId, uint32_t infoCmd, char* buffer,
                                                     uint32_t* pSize);

@@ -15,7 +15,8 @@ typedef void(K_CALL* K_IMAGE_CONTEXT_CALLBACK)(void* context, K_IMAGE_INFO* imag
 
 /**
  * Opens a stream of a camera, announces a ring of at most 10 buffers of bufferSize bytes (aligned to 16), starts the
- * acquisition in the producer and runs the stream thread. The camera itself is started by its AcquisitionStart command, after this call.
+ * acquisition in the producer and runs the stream thread. The camera itself is started by its AcquisitionStart command, after
+ * this call.
  *
  * streamIndex: which stream, for producers with the multicast extension; others open their first one.
  * context:     first argument of the callback, or null.
@@ -24,8 +25,8 @@ typedef void(K_CALL* K_IMAGE_CONTEXT_CALLBACK)(void* context, K_IMAGE_INFO* imag
  *              null) and is closed like any other.
  * Returns K_ST_INVALID_HANDLE for a camera that is not open, and when the stream's own node map cannot be built.
  */
-K_API K_STATUS_CODES K_CALL K_Image_OpenStream(CAM_HANDLE hCamera, uint32_t streamIndex, void* context, void (*callback)(void), THRD_HANDLE* phThread,
-                                               uint32_t bufferSize, uint32_t multicast);
+K_API K_STATUS_CODES K_CALL K_Image_OpenStream(CAM_HANDLE hCamera, uint32_t streamIndex, void* context, void (*callback)(void),
+                                               THRD_HANDLE* phThread, uint32_t bufferSize, uint32_t multicast);
 /** The same without a callback (display only), with buffers of the camera's PayloadSize. */
 K_API K_STATUS_CODES K_CALL K_Image_OpenStreamLight(CAM_HANDLE hCamera, uint32_t streamIndex, THRD_HANDLE* phThread);
 /** Stops, waits for the thread to leave its callback, and frees everything. Not from inside the callback. */

@@ -2,8 +2,8 @@
  *
  * A NODE_HANDLE is any GenApi interface pointer of a node (INode, IValue, IInteger ...): the functions find their way from there.
  *
- * Order of checks: null node K_ST_INVALID_HANDLE; null result K_ST_INVALID_PARAMETER; a handle that is no node, or a node that lacks the
- * interface that the call needs, K_ST_INVALID_PARAMETER; a GenICam error K_ST_GC_ERROR.
+ * Order of checks: null node K_ST_INVALID_HANDLE; null result K_ST_INVALID_PARAMETER; a handle that is no node, or a node that
+ * lacks the interface that the call needs, K_ST_INVALID_PARAMETER; a GenICam error K_ST_GC_ERROR.
  *
  * Texts of nodes: a buffer that is too small receives the first *size - 1 bytes and a terminator, *size becomes the
  * size that is needed, and the call returns K_ST_INVALID_BUFFER_SIZE. With *size 0 nothing is written.
@@ -72,8 +72,8 @@ K_API K_STATUS_CODES K_CALL K_Node_GetIsDeprecated(NODE_HANDLE hNode, uint32_t* 
 K_API K_STATUS_CODES K_CALL K_Node_ImposeAccessMode(NODE_HANDLE hNode, uint32_t mode);
 K_API K_STATUS_CODES K_CALL K_Node_ImposeVisibility(NODE_HANDLE hNode, uint32_t visibility);
 
-/* Aliases. The alias node's handle, or null with success (GetAlias). The typed ones answer K_ST_INVALID_PARAMETER and null when there is
-   none of that type. */
+/* Aliases. The alias node's handle, or null with success (GetAlias). The typed ones answer K_ST_INVALID_PARAMETER and null when
+   there is none of that type. */
 K_API K_STATUS_CODES K_CALL K_Node_GetAlias(NODE_HANDLE hNode, NODE_HANDLE* phAlias);
 K_API K_STATUS_CODES K_CALL K_Node_GetIntAlias(NODE_HANDLE hNode, NODE_HANDLE* phAlias);
 K_API K_STATUS_CODES K_CALL K_Node_GetEnumAlias(NODE_HANDLE hNode, NODE_HANDLE* phAlias);
@@ -88,8 +88,8 @@ K_API K_STATUS_CODES K_CALL K_Node_GetDisplayPrecision(NODE_HANDLE hNode, int64_
 /* Properties: the children of the node's element in the description. An unknown name gives two empty texts and success. */
 K_API K_STATUS_CODES K_CALL K_Node_GetNumOfProperties(NODE_HANDLE hNode, uint32_t* pCount);
 K_API K_STATUS_CODES K_CALL K_Node_GetPropertyNameByIndex(NODE_HANDLE hNode, uint32_t index, char* buffer, uint32_t* pSize);
-K_API K_STATUS_CODES K_CALL K_Node_GetPropertyByName(NODE_HANDLE hNode, const char* name, char* value, uint32_t* pValueSize, char* attribute,
-                                                     uint32_t* pAttributeSize);
+K_API K_STATUS_CODES K_CALL K_Node_GetPropertyByName(NODE_HANDLE hNode, const char* name, char* value, uint32_t* pValueSize,
+                                                     char* attribute, uint32_t* pAttributeSize);
 
 /* Selectors. */
 K_API K_STATUS_CODES K_CALL K_Node_GetIsSelector(NODE_HANDLE hNode, uint32_t* pIsSelector);
@@ -104,8 +104,8 @@ K_API K_STATUS_CODES K_CALL K_Node_SetValueInt64(NODE_HANDLE hNode, bool8_kiv ve
 K_API K_STATUS_CODES K_CALL K_Node_GetValueDouble(NODE_HANDLE hNode, bool8_kiv verify, double* pValue);
 K_API K_STATUS_CODES K_CALL K_Node_SetValueDouble(NODE_HANDLE hNode, bool8_kiv verify, double value);
 K_API K_STATUS_CODES K_CALL K_Node_GetValueString(NODE_HANDLE hNode, bool8_kiv verify, char* buffer, uint32_t* pSize);
-/** Enumerations: an entry's display name is tried first, then the symbolic names. Booleans: true, True, TRUE, 1, on, On and ON are
- *  true, everything else is false. Others: the text form of the node. */
+/** Enumerations: an entry's display name is tried first, then the symbolic names. Booleans: true, True, TRUE, 1, on, On and ON
+ * are true, everything else is false. Others: the text form of the node. */
 K_API K_STATUS_CODES K_CALL K_Node_SetValueString(NODE_HANDLE hNode, bool8_kiv verify, const char* text);
 
 /* Limits. */

@@ -50,13 +50,13 @@ typedef int32_t K_STATUS_CODES;
 
 enum {
     K_ST_SUCCESS = 0,
-    K_ST_ERROR = -1001,               /* unspecified failure */
+    K_ST_ERROR = -1001, /* unspecified failure */
     K_ST_NOT_INITIALIZED = -1002,
-    K_ST_NOT_IMPLEMENTED = -1003,     /* the producer lacks the entry point, or could not be bound */
+    K_ST_NOT_IMPLEMENTED = -1003, /* the producer lacks the entry point, or could not be bound */
     K_ST_RESOURCE_IN_USE = -1004,
     K_ST_ACCESS_DENIED = -1005,
     K_ST_INVALID_HANDLE = -1006,
-    K_ST_INVALID_ID = -1007,          /* a camera identifier that is null or lacks one of its parts */
+    K_ST_INVALID_ID = -1007, /* a camera identifier that is null or lacks one of its parts */
     K_ST_NO_DATA = -1008,
     K_ST_INVALID_PARAMETER = -1009,
     K_ST_IO = -1010,
@@ -66,7 +66,7 @@ enum {
     K_ST_NOT_AVAILABLE = -1014,
     K_ST_INVALID_ADDRESS = -1015,
     K_ST_SETTINGS_FILE_ERROR = -10001,
-    K_ST_GC_ERROR = -10002,           /* a GenICam error; its text is in the error record */
+    K_ST_GC_ERROR = -10002, /* a GenICam error; its text is in the error record */
     K_ST_VALIDATION_ERROR = -10003,
     K_ST_VALIDATION_WARNING = -10004,
     /* never returned; recognised when a register transfer reports them */
@@ -74,17 +74,17 @@ enum {
     K_ST_FILE_IO = -11
 };
 
-typedef struct K_FACTORY* FACTORY_HANDLE;               /* K_Factory_Open ... K_Factory_Close */
-typedef struct K_CAMERA* CAM_HANDLE;                    /* K_Camera_Open... ... K_Camera_Close */
-typedef struct K_NODE* NODE_HANDLE;                     /* borrowed from a node map */
-typedef struct K_STREAM* STREAM_HANDLE;                 /* K_Camera_CreateDataStream ... K_DataStream_Close */
-typedef struct K_EVENT* EVT_HANDLE;                     /* K_..._RegisterEvent ... K_Event_Close */
-typedef struct K_CONDITION* EVT_CONDITION_HANDLE;       /* K_Event_CreateCondition ... K_Event_CloseCondition */
-typedef void* BUF_HANDLE;                               /* the producer's own buffer handle */
-typedef struct K_THREAD* THRD_HANDLE;                   /* K_Image_OpenStream... ... K_Image_CloseStream */
-typedef struct K_VIEW* VIEW_HANDLE;                     /* K_Image_OpenViewWindow... ... K_Image_CloseViewWindow */
+typedef struct K_FACTORY* FACTORY_HANDLE;                 /* K_Factory_Open ... K_Factory_Close */
+typedef struct K_CAMERA* CAM_HANDLE;                      /* K_Camera_Open... ... K_Camera_Close */
+typedef struct K_NODE* NODE_HANDLE;                       /* borrowed from a node map */
+typedef struct K_STREAM* STREAM_HANDLE;                   /* K_Camera_CreateDataStream ... K_DataStream_Close */
+typedef struct K_EVENT* EVT_HANDLE;                       /* K_..._RegisterEvent ... K_Event_Close */
+typedef struct K_CONDITION* EVT_CONDITION_HANDLE;         /* K_Event_CreateCondition ... K_Event_CloseCondition */
+typedef void* BUF_HANDLE;                                 /* the producer's own buffer handle */
+typedef struct K_THREAD* THRD_HANDLE;                     /* K_Image_OpenStream... ... K_Image_CloseStream */
+typedef struct K_VIEW* VIEW_HANDLE;                       /* K_Image_OpenViewWindow... ... K_Image_CloseViewWindow */
 typedef struct K_TRANSPORT_LAYER* TRANSPORT_LAYER_HANDLE; /* a bound producer; belongs to the factory */
-typedef struct K_INTERFACE* INTERFACE_HANDLE;           /* an opened interface; belongs to its producer */
+typedef struct K_INTERFACE* INTERFACE_HANDLE;             /* an opened interface; belongs to its producer */
 
 /** The last GenICam error of the process, of whatever thread. */
 typedef struct K_GC_ERROR_INFO {

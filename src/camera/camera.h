@@ -1,7 +1,7 @@
 /// CCameraClass: an opened camera.
 ///
-/// Owns the device that its producer opened and the node map over the remote device's port. Streams that still run when the camera is
-/// closed are stopped first: they register as attachments.
+/// Owns the device that its producer opened and the node map over the remote device's port. Streams that still run when the
+/// camera is closed are stopped first: they register as attachments.
 #pragma once
 
 #include <memory>
@@ -18,8 +18,8 @@ class CFactory;
 /// Something that runs on a camera and has to end before the camera does.
 class CCameraAttachment {
 public:
-    /// Ends everything that uses the camera. Called once, on the thread that closes the camera; the attachment must not touch the camera
-    /// afterwards.
+    /// Ends everything that uses the camera. Called once, on the thread that closes the camera; the attachment must not touch the
+    /// camera afterwards.
     virtual void CameraCloses() = 0;
 
 protected:

@@ -35,11 +35,12 @@ std::string from_registers(const CTLWrapper& producer, GenTL::PORT_HANDLE port, 
     CLocalParser local(url);
     // The name comes from the device: it is a name in our cache folder and never a way out of it.
     if (!platform::is_plain_file_name(local.FileName()))
-        throw GenICam::InvalidArgumentException("File name in local URL is not a plain file name: " + url.Url(), source, __LINE__);
+        throw GenICam::InvalidArgumentException("File name in local URL is not a plain file name: " + url.Url(), source,
+                                                __LINE__);
     if (local.Length() == 0 || local.Length() > longest_description)
-        throw GenICam::RuntimeException("Length in local URL is not between 1 and " + std::to_string(longest_description) +
-                                            " bytes: " + url.Url(),
-                                        source, __LINE__);
+        throw GenICam::RuntimeException(
+            "Length in local URL is not between 1 and " + std::to_string(longest_description) + " bytes: " + url.Url(), source,
+            __LINE__);
     // One transfer: some producers answer only the whole length, or answer parts wrongly.
     std::string bytes(static_cast<std::size_t>(local.Length()), '\0');
     MyPortImp(producer, port).Read(bytes.data(), static_cast<int64_t>(local.Address()), static_cast<int64_t>(local.Length()));

@@ -13,8 +13,9 @@ inline constexpr std::uint64_t longest_description = 64ull << 20;
 /// The first description URL of the port. Throws StatusError: the producer's status, or K_ST_NOT_IMPLEMENTED.
 std::string description_url(const GenICam::Factory::CTLWrapper& producer, GenTL::PORT_HANDLE port);
 
-/// Fetches what the URL names: from the module's registers by way of the cache folder, or from a file; unzipped where it is zipped.
-/// Throws GenICam exceptions (bad URL, failed transfer, refused size), StatusError K_ST_IO (cannot be stored or unpacked).
+/// Fetches what the URL names: from the module's registers by way of the cache folder, or from a file; unzipped where it is
+/// zipped. Throws GenICam exceptions (bad URL, failed transfer, refused size), StatusError K_ST_IO (cannot be stored or
+/// unpacked).
 std::string fetch_description(const GenICam::Factory::CTLWrapper& producer, GenTL::PORT_HANDLE port, const std::string& url);
 
 }  // namespace kiv

@@ -1,11 +1,11 @@
 #include "camera/description_cache.h"
 
-#include <kiv/archive/archive.h>
+#include <kiv/archive/first_xml.h>
 #include <kiv/platform/debug_output.h>
 #include <kiv/platform/paths.h>
 
 #include <algorithm>
-#include <functional>
+#include <span>
 
 #include "camera/description.h"
 #include "transport/sdk_paths.h"
@@ -60,16 +60,16 @@ std::string DescriptionCache::Keep(const std::string& name, std::string bytes) c
         platform::write_file_atomically(path, bytes);
         if (!is_zipped(name, bytes)) return std::move(bytes);
 
-        archive::Entry entry = archive::find_xml(std::as_bytes(std::span(bytes)));
-        auto xml_path = platform::join_path(folder_, entry.name);
+        auto unpacked = archive::first_xml_of_zip(std::as_bytes(std::span(bytes)), name);
+        auto xml_path = platform::join_path(folder_, unpacked.name);
         // A file that was unpacked from this very archive is used as it is. The note beside it says from which: two
         // cameras may well use one name for two descriptions.
         auto note_path = xml_path + ".from";
         auto note = name + " " + fingerprint(bytes);
-        bool unpacked_before = platform::path_exists(xml_path) && platform::path_exists(note_path) &&
-                               platform::read_file(note_path, 4096) == note;
+        bool unpacked_before =
+            platform::path_exists(xml_path) && platform::path_exists(note_path) && platform::read_file(note_path, 4096) == note;
         if (!unpacked_before) {
-            platform::write_file_atomically(xml_path, archive::extract(std::as_bytes(std::span(bytes)), entry));
+            platform::write_file_atomically(xml_path, unpacked.content);
             platform::write_file_atomically(note_path, note);
         }
         return platform::read_file(xml_path, longest_description);
@@ -80,7 +80,7 @@ std::string DescriptionCache::Open(const std::string& path) const {
     return stored([&] {
         auto bytes = platform::read_file(path, longest_description);
         if (!is_zipped(path, bytes)) return bytes;
-        return archive::extract(std::as_bytes(std::span(bytes)), archive::find_xml(std::as_bytes(std::span(bytes))));
+        return archive::first_xml_of_zip(std::as_bytes(std::span(bytes)), path, longest_description).content;
     });
 }
 

@@ -1,7 +1,8 @@
 /// The folder where descriptions from devices are kept as files, for people to look at and for the next time.
 ///
-/// Its place is $(KIVSDK_ROOT) and GenICam/xml/TransportLayers/KIV below it. Files are replaced as one step, so that a second process
-/// never reads half of one. Failures to store, unpack or read are StatusError K_ST_IO; the reason goes to the debugger output.
+/// Its place is $(KIVSDK_ROOT) and GenICam/xml/TransportLayers/KIV below it. Files are replaced as one step, so that a second
+/// process never reads half of one. Failures to store, unpack or read are StatusError K_ST_IO; the reason goes to the debugger
+/// output.
 #pragma once
 
 #include <string>

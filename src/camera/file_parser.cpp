@@ -26,7 +26,8 @@ std::string local_path(std::string path) {
 }  // namespace
 
 CFileParser::CFileParser(const CURLParser& url) {
-    if (!url.HasScheme("file")) throw InvalidArgumentException("Given URL type is not of file scheme: " + url.Url(), source, __LINE__);
+    if (!url.HasScheme("file"))
+        throw InvalidArgumentException("Given URL type is not of file scheme: " + url.Url(), source, __LINE__);
     path_ = local_path(url.Path());
     auto native = kiv::platform::path_from_utf8(path_);
     std::error_code ignored;

@@ -30,7 +30,8 @@ std::optional<std::uint64_t> hexadecimal(std::string_view text) {
 }  // namespace
 
 CLocalParser::CLocalParser(const CURLParser& url) {
-    if (!url.HasScheme("local")) throw InvalidArgumentException("Given URL type is not of local scheme: " + url.Url(), source, __LINE__);
+    if (!url.HasScheme("local"))
+        throw InvalidArgumentException("Given URL type is not of local scheme: " + url.Url(), source, __LINE__);
     std::string_view rest = url.Path();
     auto before_length = rest.rfind(';');
     if (before_length == rest.npos)

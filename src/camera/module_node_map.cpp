@@ -17,7 +17,8 @@ void CModuleNodeMap::BuildNodeMap(const CTLWrapper& producer, GenTL::PORT_HANDLE
     auto map = kiv::genapi::load_node_map(std::move(description), port_name);
     auto implementation = std::make_unique<MyPortImp>(producer, port);
     if (!map->Connect(implementation.get(), port_name))
-        throw RuntimeException("The description at " + url + " has no port named '" + port_name + "'.", "ModuleNodeMap", __LINE__);
+        throw RuntimeException("The description at " + url + " has no port named '" + port_name + "'.", "ModuleNodeMap",
+                               __LINE__);
     node_map_.reset();
     port_ = std::move(implementation);
     node_map_ = std::move(map);

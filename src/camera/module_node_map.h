@@ -1,6 +1,7 @@
 /// A module with a node map of its own: a camera's remote device, a stream, a producer's system.
 ///
-/// Owns the map and the port that it reaches the module through. The map is built once; its description comes from the module's port.
+/// Owns the map and the port that it reaches the module through. The map is built once; its description comes from the module's
+/// port.
 #pragma once
 
 #include <GenApi/i_node_map.h>
@@ -22,8 +23,8 @@ public:
     /// Null when there is none; never throws.
     virtual GenApi::INodeMap* GetNodeMap() noexcept { return node_map_.get(); }
 
-    /// Fetches the description behind `port`, builds the map and connects it at the port node `port_name`. Throws GenICam exceptions
-    /// and StatusError.
+    /// Fetches the description behind `port`, builds the map and connects it at the port node `port_name`. Throws GenICam
+    /// exceptions and StatusError.
     virtual void BuildNodeMap(const CTLWrapper& producer, GenTL::PORT_HANDLE port, const std::string& port_name);
 
 protected:
@@ -34,8 +35,8 @@ protected:
 /// The node map of a producer's system module, as a child of its binding.
 class CSystemModule final : public CProducerChild, public CModuleNodeMap {};
 
-/// Reads the own node map of a producer that was just bound and lets the binding keep it. A producer without a description of its own
-/// is none the worse: only GenICam exceptions leave.
+/// Reads the own node map of a producer that was just bound and lets the binding keep it. A producer without a description of its
+/// own is none the worse: only GenICam exceptions leave.
 void read_own_node_map(CTLWrapper& producer);
 
 }  // namespace GenICam::Factory

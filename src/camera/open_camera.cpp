@@ -47,9 +47,13 @@ K_STATUS_CODES find_place(CFactory& factory, const char* camera_id, Place& place
 K_STATUS_CODES open_device(const Place& place, const OpenRequest& request, GenTL::DEV_HANDLE& device) {
     auto& producer = *place.producer;
     auto handle = place.opened->Handle();
-    if (producer.IsGigE())
+    if (producer.IsGigE() && producer.TLOpenDeviceMc)
         return open_device_multicast(producer, handle, place.device.c_str(), request.access_mode, request.multicast, device);
-    // Whatever the caller asked for: without the multicast extension nobody else could use the device anyway.
+    // GigE Vision producers of other makers have no multicast extension: the standard's way, with what the caller asked for.
+    if (producer.IsGigE())
+        return producer.IFOpenDevice(handle, place.device.c_str(), static_cast<GenTL::DEVICE_ACCESS_FLAGS>(request.access_mode),
+                                     &device);
+    // Whatever the caller asked for: elsewhere nobody else could make use of a shared device.
     return producer.IFOpenDevice(handle, place.device.c_str(), GenTL::DEVICE_ACCESS_EXCLUSIVE, &device);
 }
 

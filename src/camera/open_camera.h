@@ -13,11 +13,14 @@ struct OpenRequest {
     std::uint32_t open_option = 0;
 };
 
-/// Opens the camera and enters it into the table of opened cameras. On failure a status, or a GenICam exception, and nothing stays open.
-K_STATUS_CODES open_camera(GenICam::Factory::CFactory& factory, const OpenRequest& request, GenICam::Factory::CCameraClass*& camera);
+/// Opens the camera and enters it into the table of opened cameras. On failure a status, or a GenICam exception, and nothing
+/// stays open.
+K_STATUS_CODES open_camera(GenICam::Factory::CFactory& factory, const OpenRequest& request,
+                           GenICam::Factory::CCameraClass*& camera);
 
 /// Opens a device through the producer's multicast extension.
-K_STATUS_CODES open_device_multicast(const GenICam::Factory::CTLWrapper& producer, GenTL::IF_HANDLE interface_handle, const char* device_id,
-                                     std::uint32_t access_mode, std::uint32_t multicast, GenTL::DEV_HANDLE& device);
+K_STATUS_CODES open_device_multicast(const GenICam::Factory::CTLWrapper& producer, GenTL::IF_HANDLE interface_handle,
+                                     const char* device_id, std::uint32_t access_mode, std::uint32_t multicast,
+                                     GenTL::DEV_HANDLE& device);
 
 }  // namespace kiv

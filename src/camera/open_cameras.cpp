@@ -32,8 +32,8 @@ void OpenCameras::CloseAllOf(const CFactory& factory) {
     std::vector<std::unique_ptr<CCameraClass>> closed;
     {
         GEV::CAutoLock lock(GEV::library_section());
-        auto stays = std::stable_partition(cameras_.begin(), cameras_.end(),
-                                           [&](auto& camera) { return camera->Factory() != &factory; });
+        auto stays =
+            std::stable_partition(cameras_.begin(), cameras_.end(), [&](auto& camera) { return camera->Factory() != &factory; });
         std::move(stays, cameras_.end(), std::back_inserter(closed));
         cameras_.erase(stays, cameras_.end());
     }

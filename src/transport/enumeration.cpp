@@ -32,7 +32,8 @@ CInterfaceClass* opened_interface(CTLWrapper& producer, const std::string& id) {
     GenTL::IF_HANDLE handle = nullptr;
     auto status = producer.TLOpenInterface(producer.TL(), id.c_str(), &handle);
     if (status != GenTL::GC_ERR_SUCCESS || !handle) {
-        platform::debug_print("list_cameras: TLOpenInterface(\"" + id + "\") failed with status " + std::to_string(status) + "\n");
+        platform::debug_print("list_cameras: TLOpenInterface(\"" + id + "\") failed with status " + std::to_string(status) +
+                              "\n");
         return nullptr;
     }
     auto& place = producer.Interfaces()[id];
@@ -47,8 +48,8 @@ void list_devices(const std::string& producer_key, CInterfaceClass& opened, std:
     producer.IFUpdateDeviceList(opened.Handle(), &changed, list_timeout_ms);
     if (producer.IFGetNumDevices(opened.Handle(), &count) != GenTL::GC_ERR_SUCCESS) return;
     for (std::uint32_t index = 0; index < count; ++index) {
-        auto device = identifier(
-            [&](char* text, std::size_t* size) { return producer.IFGetDeviceID(opened.Handle(), index, text, size); });
+        auto device =
+            identifier([&](char* text, std::size_t* size) { return producer.IFGetDeviceID(opened.Handle(), index, text, size); });
         if (!device) continue;
         auto id = format({producer_key, opened.Id(), *device});
         if (std::find(cameras.begin(), cameras.end(), id) == cameras.end()) cameras.push_back(std::move(id));

@@ -108,8 +108,8 @@ K_STATUS_CODES CFactory::Discover() {
             throw;
         }
         if (report.status != K_ST_SUCCESS)
-            kiv::platform::debug_print("CFactory: producer \"" + element.key + "\" (" + report.sPath + ") refused: " + report.sReason +
-                                       "\n");
+            kiv::platform::debug_print("CFactory: producer \"" + element.key + "\" (" + report.sPath +
+                                       ") refused: " + report.sReason + "\n");
     }
     return K_ST_SUCCESS;
 }

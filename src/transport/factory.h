@@ -71,7 +71,8 @@ private:
     kiv::LiveHandle live_{this, kiv::HandleKind::factory};
 };
 
-/// The registry file that a factory opens for this path: itself, or the first of the two fixed files; empty when none can be read.
+/// The registry file that a factory opens for this path: itself, or the first of the two fixed files; empty when none can be
+/// read.
 std::string find_registry_file(const char* path);
 
 }  // namespace GenICam::Factory

@@ -1,5 +1,5 @@
-/// An opened interface of a producer. It belongs to its binding, which opened it during enumeration; closing the producer's system module
-/// closes it, so that it makes no call of its own when it goes.
+/// An opened interface of a producer. It belongs to its binding, which opened it during enumeration; closing the producer's
+/// system module closes it, so that it makes no call of its own when it goes.
 #pragma once
 
 #include <string>

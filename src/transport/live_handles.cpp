@@ -9,8 +9,9 @@ namespace kiv {
 
 namespace {
 
-// A word holds an address and, in the four low bits that alignment leaves free, the kind. A handle hashes to a line of eight words;
-// when its line is full it goes to the next segment. Segments are never freed while the library lives, so readers need no lock.
+// A word holds an address and, in the four low bits that alignment leaves free, the kind. A handle hashes to a line of eight
+// words; when its line is full it goes to the next segment. Segments are never freed while the library lives, so readers need no
+// lock.
 constexpr std::uintptr_t kind_bits = 15;
 constexpr std::size_t words_per_line = 8;
 constexpr std::size_t lines = 128;

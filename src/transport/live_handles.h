@@ -1,8 +1,8 @@
 /// The table of the handles that are alive, and of what kind each is.
 ///
-/// Every object that a caller holds by handle carries a LiveHandle member; the shell asks the table before it believes a pointer that a
-/// caller hands in. A handle that is null, stale or of another kind is thus refused without ever being dereferenced. Looking up
-/// takes no lock and touches one cache line.
+/// Every object that a caller holds by handle carries a LiveHandle member; the shell asks the table before it believes a pointer
+/// that a caller hands in. A handle that is null, stale or of another kind is thus refused without ever being dereferenced.
+/// Looking up takes no lock and touches one cache line.
 ///
 /// The table says that a handle was alive when asked. Whoever closes it at that moment on another thread breaks the rule of
 /// kiv/types.h; two threads that close the same handle at once are safe: retire_handle lets exactly one of them through.

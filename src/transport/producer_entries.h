@@ -1,7 +1,7 @@
 /// The entry points of a GenTL producer that this library calls: one list, from which table, resolution and names are made.
 ///
-/// The order is the order of resolution. A producer that lacks a mandatory entry is refused. The extension entries belong to GigE Vision
-/// producers of one maker; they stay null where they are missing and every user of one tests it.
+/// The order is the order of resolution. A producer that lacks a mandatory entry is refused. The extension entries belong to GigE
+/// Vision producers of one maker; they stay null where they are missing and every user of one tests it.
 #pragma once
 
 #include <GenTL/GenTL.h>

@@ -52,7 +52,8 @@ K_STATUS_CODES ProducerRegistry::Read(std::uint32_t index, Element& element) con
     K_ElementList_GetElementNameByIndex(list_, index, nullptr, &size);
     std::string name(size + 10, '\0');
     size = static_cast<std::uint32_t>(name.size());
-    if (auto status = K_ElementList_GetElementNameByIndex(list_, index, name.data(), &size); status != K_ST_SUCCESS) return status;
+    if (auto status = K_ElementList_GetElementNameByIndex(list_, index, name.data(), &size); status != K_ST_SUCCESS)
+        return status;
     name.resize(name.find('\0'));
 
     if (auto status = Datum(name, K_REGISTRY_DATA_KEY, element.key); status != K_ST_SUCCESS) return status;

@@ -1,8 +1,8 @@
 /// The producers that the registry file lists, and where their files are.
 #pragma once
 
-#include <kiv/types.h>
 #include <Kiv_Registry.h>
+#include <kiv/types.h>
 
 #include <cstdint>
 #include <string>

@@ -49,8 +49,8 @@ K_STATUS_CODES CTLWrapper::Load(const std::string& path) {
         return K_ST_NOT_IMPLEMENTED;
     }
 
-    // A module that another binding of this process has initialised says RESOURCE_IN_USE; whatever TLOpen then says is the status of
-    // this binding. Its library state is then not ours to close.
+    // A module that another binding of this process has initialised says RESOURCE_IN_USE; whatever TLOpen then says is the status
+    // of this binding. Its library state is then not ours to close.
     owns_library_state_ = GCInitLib() != GenTL::GC_ERR_RESOURCE_IN_USE;
     Identify();
     if (auto status = TLOpen(&hTL); status != GenTL::GC_ERR_SUCCESS) {
@@ -70,8 +70,8 @@ K_STATUS_CODES CTLWrapper::Load(const std::string& path) {
 }
 
 void CTLWrapper::ResolveMandatory() {
-#define KIV_RESOLVE(name)                                                                                                 \
-    if (!resolve(*module_, name, #name))                                                                                  \
+#define KIV_RESOLVE(name)                \
+    if (!resolve(*module_, name, #name)) \
         throw RuntimeException(std::string("Function could not be loaded. :") + #name, "CTLWrapper", __LINE__);
     KIV_MANDATORY_ENTRIES(KIV_RESOLVE)
 #undef KIV_RESOLVE

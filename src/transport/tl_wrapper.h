@@ -1,7 +1,8 @@
 /// CTLWrapper: one bound GenTL producer. Everything else reaches a producer only through its table.
 ///
-/// Loading leaves the wrapper in one of the states unloaded, module loaded, initialised, open (TL() is not null); the destructor undoes
-/// as much as was done. A wrapper is built and loaded on one thread before others see it; afterwards its table is read only.
+/// Loading leaves the wrapper in one of the states unloaded, module loaded, initialised, open (TL() is not null); the destructor
+/// undoes as much as was done. A wrapper is built and loaded on one thread before others see it; afterwards its table is read
+/// only.
 #pragma once
 
 #include <kiv/platform/dynamic_library.h>
@@ -34,7 +35,8 @@ public:
     CTLWrapper(const CTLWrapper&) = delete;
     CTLWrapper& operator=(const CTLWrapper&) = delete;
 
-    /// Binds the module at `path`. K_ST_NOT_IMPLEMENTED: not loadable, or a mandatory entry is missing. Otherwise TLOpen's status.
+    /// Binds the module at `path`. K_ST_NOT_IMPLEMENTED: not loadable, or a mandatory entry is missing. Otherwise TLOpen's
+    /// status.
     K_STATUS_CODES Load(const std::string& path);
     /// Why Load failed, for people; empty after a success.
     const std::string& Refusal() const { return refusal_; }

@@ -1,0 +1,168 @@
+#include "acquisition/stream_thread.h"
+
+#include <GenICam/exceptions.h>
+#include <kiv/image.h>
+#include <kiv/platform/debug_output.h>
+#include <kiv/platform/thread.h>
+
+#include <chrono>
+
+#include "acquisition/image_info.h"
+
+namespace ImageLib {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::uint64_t event_timeout_ms = 1000;
+constexpr std::uint64_t without_end = ~std::uint64_t{0};
+constexpr std::size_t longest_stream_id = 65536;
+
+bool refused_for_its_form(GenTL::GC_ERROR status) {
+    return status == GenTL::GC_ERR_NOT_IMPLEMENTED || status == GenTL::GC_ERR_INVALID_PARAMETER;
+}
+
+void report(const char* call, GenTL::GC_ERROR status) {
+    kiv::platform::debug_print(std::string("CStreamThread: ") + call + " failed with status " + std::to_string(status) + "\n");
+}
+
+}  // namespace
+
+void ImageCallback::operator()(K_IMAGE_INFO& info) const {
+    if (!function) return;
+    if (context)
+        reinterpret_cast<K_IMAGE_CONTEXT_CALLBACK>(function)(context, &info);
+    else
+        reinterpret_cast<K_IMAGE_CALLBACK>(function)(&info);
+}
+
+CStreamThread::CStreamThread(GenICam::Factory::CCameraClass& camera) : producer_(camera.Producer()), device_(camera.Device()) {}
+
+CStreamThread::~CStreamThread() { Close(); }
+
+bool CStreamThread::OpenDataStream(std::uint32_t stream_index, std::uint32_t multicast) {
+    GenTL::DS_HANDLE opened = nullptr;
+    if (producer_.DevCreateDataStreamMc) {
+        auto status = producer_.DevCreateDataStreamMc(device_, stream_index, &opened, multicast);
+        if (status != GenTL::GC_ERR_SUCCESS) return report("DevCreateDataStreamMc", status), false;
+        stream_ = opened;
+        return opened != nullptr;
+    }
+    std::size_t size = 0;
+    auto status = producer_.DevGetDataStreamID(device_, 0, nullptr, &size);
+    if (status != GenTL::GC_ERR_SUCCESS || size > longest_stream_id) return report("DevGetDataStreamID", status), false;
+    std::string id(size + 1, '\0');
+    status = producer_.DevGetDataStreamID(device_, 0, id.data(), &size);
+    if (status != GenTL::GC_ERR_SUCCESS) return report("DevGetDataStreamID", status), false;
+    status = producer_.DevOpenDataStream(device_, id.c_str(), &opened);
+    if (status != GenTL::GC_ERR_SUCCESS) return report("DevOpenDataStream", status), false;
+    stream_ = opened;
+    return opened != nullptr;
+}
+
+void CStreamThread::CloseDataStream() {
+    if (auto stream = stream_.exchange(nullptr)) producer_.DSClose(stream);
+}
+
+bool CStreamThread::Open(std::uint32_t stream_index, std::uint32_t buffer_size, std::uint32_t multicast, ImageCallback callback) {
+    if (stream_ || !OpenDataStream(stream_index, multicast)) return false;
+    ring_.emplace(producer_, buffer_size);
+    if (ring_->Fill(stream_) == 0) {
+        kiv::platform::debug_print("CStreamThread: the producer took none of the buffers of " + std::to_string(buffer_size) +
+                                   " bytes.\n");
+        CloseDataStream();
+        return false;
+    }
+    callback_ = callback;
+    running_ = true;
+    try {
+        thread_ = std::thread([self = shared_from_this()] { self->StreamProcess(); });
+    } catch (const std::system_error&) {
+        running_ = false;
+        CloseDataStream();
+        return false;
+    }
+    bool answered = started_.Wait(5000ms);
+    if (answered && started_well_) return true;
+    running_ = false;
+    CloseDataStream();
+    // A producer that does not come back from its start keeps the thread; it finds running_ cleared when it does.
+    answered ? thread_.join() : thread_.detach();
+    return false;
+}
+
+bool CStreamThread::StartInProducer() {
+    is_gige_ = producer_.IsGigE();
+    auto status = producer_.GCRegisterEvent(stream_, GenTL::EVENT_NEW_BUFFER, &new_buffer_event_);
+    if (status != GenTL::GC_ERR_SUCCESS) {
+        report("GCRegisterEvent", status);
+        return false;
+    }
+    GenTL::ACQ_START_FLAGS flags = is_gige_ ? 1 : 0;
+    status = producer_.DSStartAcquisition(stream_, flags, without_end);
+    if (flags != 0 && refused_for_its_form(status)) status = producer_.DSStartAcquisition(stream_, 0, without_end);
+    if (status == GenTL::GC_ERR_SUCCESS) return true;
+    report("DSStartAcquisition", status);
+    producer_.GCUnregisterEvent(stream_, GenTL::EVENT_NEW_BUFFER);
+    return false;
+}
+
+void CStreamThread::StreamProcess() {
+    kiv::platform::set_thread_name("kiv-stream");
+    started_well_ = StartInProducer();
+    started_.Set();
+    if (!started_well_) return;
+
+    K_IMAGE_INFO info{};
+    while (running_) {
+        info.pass_state = 1;
+        GenTL::EVENT_NEW_BUFFER_DATA filled{};
+        std::size_t size = sizeof filled;
+        auto status = producer_.EventGetData(new_buffer_event_, &filled, &size, event_timeout_ms);
+        if (status == GenTL::GC_ERR_SUCCESS) {
+            OneImage(filled, info);
+        } else if (status != GenTL::GC_ERR_TIMEOUT && status != GenTL::GC_ERR_ABORT && running_) {
+            // A producer whose device is gone may fail at once, for ever: without a pause that would take a whole core.
+            std::this_thread::sleep_for(10ms);
+        }
+    }
+    producer_.GCUnregisterEvent(stream_, GenTL::EVENT_NEW_BUFFER);
+    kiv::platform::debug_print(L">>> Terminated Stream Process Loop.\n");
+    if (closed_inside_) GiveBack();
+}
+
+void CStreamThread::OneImage(const GenTL::EVENT_NEW_BUFFER_DATA& filled, K_IMAGE_INFO& info) {
+    if (describe_buffer(producer_, stream_, filled.BufferHandle, *ring_, is_gige_, info)) {
+        info.pass_state = 2;
+        if (!running_) return;  // closing: the buffer is revoked, not queued again
+        callback_(info);
+    }
+    if (filled.BufferHandle) producer_.DSQueueBuffer(stream_, filled.BufferHandle);
+}
+
+void CStreamThread::Close() {
+    if (!stream_) return;
+    running_ = false;
+    if (thread_.get_id() == std::this_thread::get_id()) {
+        closed_inside_ = true;
+        thread_.detach();
+        return;
+    }
+    producer_.DSStopAcquisition(stream_, GenTL::ACQ_STOP_FLAGS_KILL);
+    // Where the producer can end a wait the loop need not sit out its time.
+    if (producer_.EventKill && new_buffer_event_) producer_.EventKill(new_buffer_event_);
+    if (thread_.joinable()) thread_.join();
+    GiveBack();
+}
+
+void CStreamThread::GiveBack() {
+    auto stream = stream_.load();
+    if (closed_inside_) producer_.DSStopAcquisition(stream, GenTL::ACQ_STOP_FLAGS_KILL);
+    producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_INPUT_TO_OUTPUT);
+    producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_OUTPUT_DISCARD);
+    ring_->Revoke(stream);
+    CloseDataStream();
+}
+
+}  // namespace ImageLib
