@@ -1,0 +1,58 @@
+#include "format/raw_view.h"
+
+#include "core/error.h"
+#include "unpack/unpack.h"
+
+namespace kiv::vl {
+namespace {
+
+constexpr std::uint32_t longest_side = 65535;
+constexpr std::uint64_t largest_padding = 1u << 30;
+
+std::string describe(const PixelFormat& format, std::uint32_t width, std::uint32_t height) {
+    return size_text(width, height) + " " + format.name;
+}
+
+}  // namespace
+
+RawView::RawView(const K_IMAGE_INFO& raw)
+    : RawView(pixel_format(raw.pixel_type), raw.width, raw.height, raw.padding_x, raw.image_data, raw.image_size) {}
+
+// Sides are limited to 16 bits and padding to 30, so that none of the products below can overflow 64.
+RawView::RawView(const PixelFormat& format, std::uint32_t width, std::uint32_t height, std::uint64_t padding, const void* data,
+                 std::uint64_t size)
+    : format_(&format), width_(width), height_(height), data_(static_cast<const std::uint8_t*>(data)) {
+    if (width == 0 || height == 0 || width > longest_side || height > longest_side)
+        throw Error(VL_ST_INVALID_PARAMETER, describe(format, width, height) + ": sides are 1 to 65535 pixels");
+    if (padding > largest_padding)
+        throw Error(VL_ST_INVALID_PARAMETER, "a padding of " + std::to_string(padding) + " bytes between lines is not sensible");
+    if (width % format.PixelsPerGroup() != 0)
+        throw Error(VL_ST_INVALID_PARAMETER, describe(format, width, height) + ": the width is no multiple of " +
+                                                 std::to_string(format.PixelsPerGroup()) + ", which share their colours");
+    components_per_line_ = width / format.PixelsPerGroup() * format.ComponentsPerGroup();
+
+    const std::uint64_t line_bits = std::uint64_t{width} * format.BitsPerPixel() / format.Planes();
+    const std::uint64_t line_bytes = (line_bits + 7) / 8;
+    stride_ = static_cast<std::size_t>(line_bytes + padding);
+    image_bytes_ = (std::uint64_t{height} * format.Planes() - 1) * stride_ + line_bytes;
+    if (size >= image_bytes_) return;
+
+    const std::uint64_t run_bytes = (line_bits * height + 7) / 8;
+    if (padding != 0 || line_bits % 8 == 0 || size < run_bytes)
+        throw Error(VL_ST_INVALID_BUFFER_SIZE, describe(format, width, height) + " with " + std::to_string(padding) +
+                                                   " bytes between lines needs " + std::to_string(image_bytes_) +
+                                                   " bytes, the buffer has " + std::to_string(size));
+    line_aligned_ = false;
+    image_bytes_ = run_bytes;
+}
+
+const std::uint8_t* RawView::Line(std::uint32_t line, unsigned plane) const {
+    return data_ + (std::uint64_t{plane} * height_ + line) * stride_;
+}
+
+void RawView::ReadLine(std::uint32_t line, unsigned plane, std::uint16_t* out) const {
+    if (line_aligned_) return unpack(*format_, Line(line, plane), 0, components_per_line_, out);
+    unpack(*format_, data_, components_per_line_ * line, components_per_line_, out);
+}
+
+}  // namespace kiv::vl

@@ -1,0 +1,50 @@
+#include "image/image_handles.h"
+
+#include <mutex>
+#include <shared_mutex>
+#include <unordered_map>
+
+#include "core/error.h"
+
+namespace kiv::vl {
+namespace {
+
+struct LiveImages {
+    std::shared_mutex lock;
+    std::unordered_map<const void*, std::unique_ptr<Image>> images;
+};
+
+LiveImages& live() {
+    static LiveImages images;
+    return images;
+}
+
+Error unknown_handle(VL_IMAGE_HANDLE handle) {
+    return {VL_ST_INVALID_HANDLE,
+            handle == nullptr ? "the image handle is null" : "this is no image, or one that has been freed"};
+}
+
+}  // namespace
+
+VL_IMAGE_HANDLE give_image(std::unique_ptr<Image> image) {
+    Image* address = image.get();
+    const std::unique_lock hold(live().lock);
+    live().images.emplace(address, std::move(image));
+    return reinterpret_cast<VL_IMAGE_HANDLE>(address);
+}
+
+Image& image_of(VL_IMAGE_HANDLE handle) {
+    const std::shared_lock hold(live().lock);
+    const auto found = live().images.find(handle);
+    if (found == live().images.end()) throw unknown_handle(handle);
+    return *found->second;
+}
+
+std::unique_ptr<Image> take_image(VL_IMAGE_HANDLE handle) {
+    const std::unique_lock hold(live().lock);
+    auto node = live().images.extract(handle);
+    if (node.empty()) throw unknown_handle(handle);
+    return std::move(node.mapped());
+}
+
+}  // namespace kiv::vl

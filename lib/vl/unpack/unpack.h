@@ -1,0 +1,30 @@
+/// From packed components to 16-bit values, as they are stored (not spread over the range).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "format/pixel_format.h"
+
+namespace kiv::vl {
+
+/// Writes `count` components of the run of components that begins at `data`, from component `first` on. Reads exactly the
+/// bytes that hold them.
+void unpack(const PixelFormat& format, const std::uint8_t* data, std::size_t first, std::size_t count, std::uint16_t* out);
+
+/// The same in plain C++, for machines without the vector instructions and as the measure of the fast ones.
+void unpack_scalar(const PixelFormat& format, const std::uint8_t* data, std::size_t first, std::size_t count, std::uint16_t* out);
+
+/// Unpacks as many components as it likes, always whole groups, from a component that begins at `data`; returns how many.
+/// `count` components may be read.
+using FastUnpack = std::size_t (*)(const std::uint8_t* data, std::size_t count, std::uint16_t* out);
+
+/// The vector version for a packing on this machine, or null.
+FastUnpack fast_unpack(Packing packing, unsigned bits) noexcept;
+
+/// Spreads values of `bits` bits over 16, so that the largest stays the largest (bits is at least 8).
+void spread_to_16(std::uint16_t* values, std::size_t count, unsigned bits) noexcept;
+/// The same to 8 bits, with any number of bits; lower bits are cut.
+void reduce_to_8(const std::uint16_t* values, std::size_t count, unsigned bits, std::uint8_t* out) noexcept;
+
+}  // namespace kiv::vl
