@@ -37,6 +37,9 @@ if(KIV_SANITIZE)
   target_link_options(kiv_options INTERFACE -fsanitize=${KIV_SANITIZE})
 endif()
 target_link_libraries(kiv_options INTERFACE Threads::Threads)
+if(NOT KIV_SANITIZE AND NOT WIN32)
+  target_link_options(kiv_options INTERFACE -Wl,--no-undefined)
+endif()
 
 # kiv_library(name SOURCES a.cpp b.cpp [LINK libs...] [PRIVATE_LINK libs...])
 # A room of the house: a static library whose public headers stand under <folder>/include, where there is one.
