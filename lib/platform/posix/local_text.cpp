@@ -8,6 +8,7 @@
 
 #include "common/utf8.h"
 #include "kiv/platform/text.h"
+#include "posix/encodings.h"
 
 namespace kiv::platform {
 namespace {
@@ -64,16 +65,22 @@ private:
 
 }  // namespace
 
-std::string utf8_from_local(std::string_view text) {
-    if (local_encoding().empty()) return std::string(text);
-    Converter converter("UTF-8", local_encoding().c_str());
+std::string utf8_from_encoding(std::string_view text, const char* encoding) {
+    Converter converter("UTF-8", encoding);
     return converter ? converter.Convert(text, "\xEF\xBF\xBD", false) : std::string(text);
 }
 
-std::string local_from_utf8(std::string_view text) {
-    if (local_encoding().empty()) return std::string(text);
-    Converter converter(local_encoding().c_str(), "UTF-8");
+std::string encoding_from_utf8(std::string_view text, const char* encoding) {
+    Converter converter(encoding, "UTF-8");
     return converter ? converter.Convert(text, "?", true) : std::string(text);
+}
+
+std::string utf8_from_local(std::string_view text) {
+    return local_encoding().empty() ? std::string(text) : utf8_from_encoding(text, local_encoding().c_str());
+}
+
+std::string local_from_utf8(std::string_view text) {
+    return local_encoding().empty() ? std::string(text) : encoding_from_utf8(text, local_encoding().c_str());
 }
 
 }  // namespace kiv::platform

@@ -1,0 +1,40 @@
+/// A folder of a test's own that goes with everything in it when the test ends.
+#pragma once
+
+#include <kiv/platform/paths.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <string>
+
+namespace kiv::test {
+
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        static std::atomic<unsigned> made{0};
+        path_ = std::filesystem::temp_directory_path() / ("kiv-test-" + std::to_string(getpid()) + "-" + std::to_string(made++));
+        std::filesystem::remove_all(path_);
+        std::filesystem::create_directory(path_);
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::string Path() const { return path_.string(); }
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+    /// Writes the file and answers its path.
+    std::string Write(const std::string& name, std::string_view text) const {
+        platform::write_file_atomically(*this / name, text);
+        return *this / name;
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+}  // namespace kiv::test
