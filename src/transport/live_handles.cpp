@@ -59,7 +59,7 @@ bool retire_handle(const void* handle, HandleKind kind) noexcept {
     return slot && slot->compare_exchange_strong(word, 0);
 }
 
-LiveHandle::LiveHandle(const void* object, HandleKind kind) : object_(object), kind_(kind) {
+LiveHandle::LiveHandle(void* object, HandleKind kind) : object_(object), kind_(kind) {
     auto word = word_of(object, kind);
     auto line = line_of(word & ~kind_bits);
     std::lock_guard guard(insert_lock);

@@ -22,7 +22,7 @@ bool retire_handle(const void* handle, HandleKind kind) noexcept;
 /// The membership of one object. `object` must be the address that the handle shows.
 class LiveHandle {
 public:
-    LiveHandle(const void* object, HandleKind kind);
+    LiveHandle(void* object, HandleKind kind);
     ~LiveHandle();
     LiveHandle(const LiveHandle&) = delete;
     LiveHandle& operator=(const LiveHandle&) = delete;
