@@ -1,0 +1,142 @@
+#include "aravis_subject.h"
+
+#include <arv.h>
+
+#include <stdexcept>
+
+#include "bench_memory.h"
+
+// ---- a device of plain memory --------------------------------------------------------------------------------------------
+
+struct BenchDevice {
+    ArvDevice parent;
+    kiv::bench::BenchMemory* memory;
+};
+struct BenchDeviceClass {
+    ArvDeviceClass parent;
+};
+
+G_DEFINE_TYPE(BenchDevice, bench_device, ARV_TYPE_DEVICE)
+
+namespace {
+
+kiv::bench::BenchMemory& memory_of(ArvDevice* device) { return *reinterpret_cast<BenchDevice*>(device)->memory; }
+
+gboolean read_memory(ArvDevice* device, guint64 address, guint32 size, void* buffer, GError**) {
+    return memory_of(device).Read(address, buffer, size);
+}
+
+gboolean write_memory(ArvDevice* device, guint64 address, guint32 size, void* buffer, GError**) {
+    return memory_of(device).Write(address, buffer, size);
+}
+
+void finalize(GObject* object) {
+    delete reinterpret_cast<BenchDevice*>(object)->memory;  // made in bench_device_init: GObject knows no destructors
+    G_OBJECT_CLASS(bench_device_parent_class)->finalize(object);
+}
+
+template <class Value>
+Value checked(Value value, GError* error) {
+    if (!error) return value;
+    std::string message = error->message;
+    g_error_free(error);
+    throw std::runtime_error(message);
+}
+
+}  // namespace
+
+static void bench_device_init(BenchDevice* self) { self->memory = std::make_unique<kiv::bench::BenchMemory>().release(); }
+
+static void bench_device_class_init(BenchDeviceClass* self) {
+    G_OBJECT_CLASS(self)->finalize = finalize;
+    self->parent.read_memory = read_memory;
+    self->parent.write_memory = write_memory;
+}
+
+// ---- the subject -----------------------------------------------------------------------------------------------------------
+
+namespace kiv::bench {
+
+namespace {
+
+struct Unref {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+template <class Object>
+using Ref = std::unique_ptr<Object, Unref>;
+
+ArvGcInteger* aravis(AravisSubject::Integer node) { return reinterpret_cast<ArvGcInteger*>(node); }
+ArvGcFloat* aravis(AravisSubject::Float node) { return reinterpret_cast<ArvGcFloat*>(node); }
+ArvGcEnumeration* aravis(AravisSubject::Enumeration node) { return reinterpret_cast<ArvGcEnumeration*>(node); }
+ArvGcBoolean* aravis(AravisSubject::Boolean node) { return reinterpret_cast<ArvGcBoolean*>(node); }
+
+}  // namespace
+
+struct AravisSubject::Objects {
+    Ref<ArvDevice> device{static_cast<ArvDevice*>(g_object_new(bench_device_get_type(), nullptr))};
+    Ref<ArvGc> map;
+
+    template <class Node>
+    Node Find(const std::string& node) const {
+        ArvGcNode* found = arv_gc_get_node(map.get(), node.c_str());
+        if (!found) throw std::runtime_error("no node " + node);
+        return reinterpret_cast<Node>(found);
+    }
+};
+
+AravisSubject::AravisSubject(const std::string& xml) : objects_(std::make_unique<Objects>()) {
+    objects_->map.reset(arv_gc_new(objects_->device.get(), xml.data(), xml.size()));
+    if (!objects_->map) throw std::runtime_error("aravis refuses the description");
+    arv_gc_set_register_cache_policy(objects_->map.get(), ARV_REGISTER_CACHE_POLICY_ENABLE);
+}
+
+AravisSubject::~AravisSubject() = default;
+
+AravisSubject::Integer AravisSubject::FindInteger(const std::string& node) const { return objects_->Find<Integer>(node); }
+AravisSubject::Float AravisSubject::FindFloat(const std::string& node) const { return objects_->Find<Float>(node); }
+AravisSubject::Boolean AravisSubject::FindBoolean(const std::string& node) const { return objects_->Find<Boolean>(node); }
+AravisSubject::Enumeration AravisSubject::FindEnumeration(const std::string& node) const {
+    return objects_->Find<Enumeration>(node);
+}
+
+int64_t AravisSubject::Read(Integer node) {
+    GError* error = nullptr;
+    const int64_t value = arv_gc_integer_get_value(aravis(node), &error);
+    return checked(value, error);
+}
+
+double AravisSubject::Read(Float node) {
+    GError* error = nullptr;
+    const double value = arv_gc_float_get_value(aravis(node), &error);
+    return checked(value, error);
+}
+
+int64_t AravisSubject::Read(Enumeration node) {
+    GError* error = nullptr;
+    const int64_t value = arv_gc_enumeration_get_int_value(aravis(node), &error);
+    return checked(value, error);
+}
+
+bool AravisSubject::Read(Boolean node) {
+    GError* error = nullptr;
+    const bool value = arv_gc_boolean_get_value(aravis(node), &error) != FALSE;
+    return checked(value, error);
+}
+
+void AravisSubject::Set(Integer node, int64_t value) {
+    GError* error = nullptr;
+    arv_gc_integer_set_value(aravis(node), value, &error);
+    checked(0, error);
+}
+
+void AravisSubject::Set(Enumeration node, const char* symbolic) {
+    GError* error = nullptr;
+    arv_gc_enumeration_set_string_value(aravis(node), symbolic, &error);
+    checked(0, error);
+}
+
+void AravisSubject::InvalidateAll() const {
+    arv_gc_set_register_cache_policy(objects_->map.get(), ARV_REGISTER_CACHE_POLICY_DISABLE);
+}
+
+}  // namespace kiv::bench

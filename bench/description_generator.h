@@ -1,0 +1,31 @@
+// Makes device descriptions of any size for measuring, in the mixture that descriptions of real cameras have: about a quarter
+// entries of enumerations, two fifths registers, a tenth integer formulas, three quarters of an invalidator per node, texts for
+// whoever looks at the features, some 350 bytes a node.
+//
+// The same arguments always make the same text.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace kiv::bench {
+
+struct Description {
+    std::string xml;
+    size_t nodes = 0;  ///< entries of enumerations and structures counted
+    // The features, for reading them all.
+    std::vector<std::string> integers, floats, enumerations, booleans;
+};
+
+/// At least `nodes` nodes. Besides the mixture it has these:
+///
+///     CachedInteger       Integer over a register that may be cached
+///     UncachedInteger     Integer over a register that may not
+///     ConvertedFloat      Converter over a cached register
+///     OneVariable         SwissKnife of one variable
+///     FourVariables       SwissKnife of four
+///     Mode                Enumeration over bits of a register: Mode0 to Mode7
+Description generate_description(size_t nodes);
+
+}  // namespace kiv::bench
