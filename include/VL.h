@@ -82,16 +82,20 @@ enum { VL_IMAGE_MONO8 = 0x01080001, VL_IMAGE_MONO16 = 0x01100007, VL_IMAGE_BGR8 
 #define VL_GAIN_ONE 4096u
 
 /** How the missing colours of a colour filter image are found. */
-typedef enum VL_DEMOSAIC {
-    VL_DEMOSAIC_BILINEAR = 0,  /**< mean of the neighbours: fast */
-    VL_DEMOSAIC_EDGE_AWARE = 1 /**< along edges, not across them: slower, less colour fringing */
-} VL_DEMOSAIC;
+typedef int32_t VL_DEMOSAIC;
 
-typedef enum VL_FILE_FORMAT {
-    VL_FILE_AUTO = 0, /**< by the name's extension: .png, .tif, .tiff, in any case */
-    VL_FILE_PNG = 1,  /**< 8 or 16 bits a channel, grey or colour; 10, 12 and 14 bit sources are marked as such (sBIT) */
-    VL_FILE_TIFF = 2  /**< 8 or 16 bits a channel, grey or colour */
-} VL_FILE_FORMAT;
+enum {
+    VL_DEMOSAIC_BILINEAR = 0,  /* mean of the neighbours: fast */
+    VL_DEMOSAIC_EDGE_AWARE = 1 /* along edges, not across them: slower, less colour fringing */
+};
+
+typedef int32_t VL_FILE_FORMAT;
+
+enum {
+    VL_FILE_AUTO = 0, /* by the name's extension: .png, .tif, .tiff, in any case */
+    VL_FILE_PNG = 1,  /* 8 or 16 bits a channel, grey or colour; 10, 12 and 14 bit sources are marked as such (sBIT) */
+    VL_FILE_TIFF = 2  /* 8 or 16 bits a channel, grey or colour */
+};
 
 /* --- failures ------------------------------------------------------------------------------------------------------- */
 

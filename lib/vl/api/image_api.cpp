@@ -23,7 +23,7 @@ VL_IMAGE_HANDLE image_from(const RawView& raw) {
 
 VL_DEMOSAIC known(VL_DEMOSAIC quality) {
     if (quality == VL_DEMOSAIC_BILINEAR || quality == VL_DEMOSAIC_EDGE_AWARE) return quality;
-    throw Error(VL_ST_INVALID_PARAMETER, "there is no demosaicing " + std::to_string(static_cast<int>(quality)));
+    throw Error(VL_ST_INVALID_PARAMETER, "there is no demosaicing " + std::to_string(quality));
 }
 
 }  // namespace

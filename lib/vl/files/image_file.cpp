@@ -41,7 +41,7 @@ const FormatRow& row_of(VL_FILE_FORMAT format, std::string_view path) {
     }
     if (format == VL_FILE_AUTO)
         throw Error(VL_ST_INVALID_PARAMETER, std::string(path) + ": the extension is none of .png, .tif, .tiff");
-    throw Error(VL_ST_INVALID_PARAMETER, "there is no file format " + std::to_string(static_cast<int>(format)));
+    throw Error(VL_ST_INVALID_PARAMETER, "there is no file format " + std::to_string(format));
 }
 
 }  // namespace
