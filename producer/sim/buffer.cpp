@@ -1,0 +1,88 @@
+#include "buffer.h"
+
+namespace kivsim {
+
+Buffer::Buffer(void* memory, size_t size, void* user_pointer)
+    : own_(memory ? nullptr : std::make_unique<std::byte[]>(size)),
+      memory_(memory ? memory : own_.get()),
+      size_(size),
+      user_pointer_(user_pointer) {}
+
+Info Buffer::GetInfo(GenTL::BUFFER_INFO_CMD command, const std::string& tl_type) const {
+    using enum Place;
+    const Place place = GetPlace();
+    switch (command) {
+        case GenTL::BUFFER_INFO_BASE:
+            return Info::Pointer(memory_);
+        case GenTL::BUFFER_INFO_SIZE:
+            return Info::Size(size_);
+        case GenTL::BUFFER_INFO_USER_PTR:
+            return Info::Pointer(user_pointer_);
+        case GenTL::BUFFER_INFO_NEW_DATA:
+            return Info::Bool(content_.new_data);
+        case GenTL::BUFFER_INFO_IS_QUEUED:
+            return Info::Bool(place != Nowhere);
+        case GenTL::BUFFER_INFO_IS_ACQUIRING:
+            return Info::Bool(place == Filling);
+        case GenTL::BUFFER_INFO_IS_INCOMPLETE:
+            return Info::Bool(content_.incomplete);
+        case GenTL::BUFFER_INFO_TLTYPE:
+            return Info::Text(tl_type);
+        case GenTL::BUFFER_INFO_SIZE_FILLED:
+            return Info::Size(content_.filled);
+        case GenTL::BUFFER_INFO_DATA_SIZE:
+            return Info::Size(content_.frame.size);
+        case GenTL::BUFFER_INFO_DATA_LARGER_THAN_BUFFER:
+            return Info::Bool(content_.too_large);
+        case GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA:
+            return Info::Bool(false);
+        case GenTL::BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE:
+            return Info::Size(0);
+        case GenTL::BUFFER_INFO_CHUNKLAYOUTID:
+            return Info::Uint64(0);
+        case GenTL::BUFFER_INFO_IMAGEPRESENT:
+            return Info::Bool(content_.new_data);
+        case GenTL::BUFFER_INFO_PAYLOADTYPE:
+            return Info::Size(content_.new_data ? GenTL::PAYLOAD_TYPE_IMAGE : GenTL::PAYLOAD_TYPE_UNKNOWN);
+        case GenTL::BUFFER_INFO_FRAMEID:
+            return Info::Uint64(content_.frame.frame_id);
+        default:
+            return GetFrameInfo(command);
+    }
+}
+
+Info Buffer::GetFrameInfo(GenTL::BUFFER_INFO_CMD command) const {
+    if (command < GenTL::BUFFER_INFO_BASE || command > GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA)
+        fail_unknown_command("DSGetBufferInfo", command);
+    if (!content_.new_data) fail(GenTL::GC_ERR_NOT_AVAILABLE, "There is no image in this buffer");
+    const FrameInfo& frame = content_.frame;
+    switch (command) {
+        case GenTL::BUFFER_INFO_TIMESTAMP:
+        case GenTL::BUFFER_INFO_TIMESTAMP_NS:
+            return Info::Uint64(frame.timestamp_ns);  // one tick is a nanosecond
+        case GenTL::BUFFER_INFO_WIDTH:
+            return Info::Size(frame.width);
+        case GenTL::BUFFER_INFO_HEIGHT:
+            return Info::Size(frame.height);
+        case GenTL::BUFFER_INFO_DELIVERED_IMAGEHEIGHT:
+            return Info::Size(frame.size ? frame.height * content_.filled / frame.size : 0);
+        case GenTL::BUFFER_INFO_XOFFSET:
+            return Info::Size(frame.offset_x);
+        case GenTL::BUFFER_INFO_YOFFSET:
+            return Info::Size(frame.offset_y);
+        case GenTL::BUFFER_INFO_XPADDING:
+        case GenTL::BUFFER_INFO_YPADDING:
+        case GenTL::BUFFER_INFO_IMAGEOFFSET:
+            return Info::Size(0);
+        case GenTL::BUFFER_INFO_PIXELFORMAT:
+            return Info::Uint64(frame.pixel_format);
+        case GenTL::BUFFER_INFO_PIXELFORMAT_NAMESPACE:
+            return Info::Uint64(GenTL::PIXELFORMAT_NAMESPACE_PFNC_32BIT);
+        case GenTL::BUFFER_INFO_PIXEL_ENDIANNESS:
+            return Info::Int32(GenTL::PIXELENDIANNESS_LITTLE);
+        default:
+            fail(GenTL::GC_ERR_NOT_AVAILABLE, "An image has no file name");
+    }
+}
+
+}  // namespace kivsim

@@ -1,0 +1,185 @@
+#include "device.h"
+
+#include <cstring>
+
+#include "interface.h"
+#include "kiv/platform/paths.h"
+#include "session.h"
+#include "stream.h"
+
+namespace kivsim {
+namespace {
+
+/// The camera's identification registers stand where a GenCP device has them.
+constexpr uint64_t vendor_address = 0x4, version_address = 0xC4, user_name_address = 0x184;
+constexpr size_t name_length = 64;
+
+std::string read_name(Camera& camera, uint64_t address) {
+    char text[name_length] = {};
+    if (camera.Read(address, text, sizeof text) != GenTL::GC_ERR_SUCCESS) return {};
+    return {text, strnlen(text, sizeof text)};
+}
+
+}  // namespace
+
+const std::vector<std::string>& access_words() {
+    static const std::vector<std::string> words = {"Unknown", "ReadWrite",     "ReadOnly",    "NoAccess",
+                                                   "Busy",    "OpenReadWrite", "OpenReadOnly"};
+    return words;
+}
+
+CameraIdentity camera_identity(Camera& camera) {
+    return {read_name(camera, vendor_address), read_name(camera, version_address), read_name(camera, user_name_address)};
+}
+
+CameraIdentity camera_identity(const CameraEntry& entry) {
+    Camera camera(entry.camera);
+    return camera_identity(camera);
+}
+
+bool is_unplugged(const CameraEntry& entry) {
+    return !entry.unplug_file.empty() && kiv::platform::path_exists(entry.unplug_file);
+}
+
+Info device_info(const Session& session, const CameraEntry& entry, const CameraIdentity& identity,
+                 GenTL::DEVICE_ACCESS_STATUS status, GenTL::DEVICE_INFO_CMD command) {
+    switch (command) {
+        case GenTL::DEVICE_INFO_ID:
+            return Info::Text(entry.id);
+        case GenTL::DEVICE_INFO_VENDOR:
+            return Info::Text(identity.vendor);
+        case GenTL::DEVICE_INFO_MODEL:
+            return Info::Text(entry.camera.model);
+        case GenTL::DEVICE_INFO_TLTYPE:
+            return Info::Text(session.configuration.tl_type);
+        case GenTL::DEVICE_INFO_DISPLAYNAME:
+            return Info::Text(identity.vendor + " " + entry.camera.model + " (" + entry.id + ")");
+        case GenTL::DEVICE_INFO_ACCESS_STATUS:
+            return Info::Int32(status);
+        case GenTL::DEVICE_INFO_USER_DEFINED_NAME:
+            return Info::Text(identity.user_defined_name);
+        case GenTL::DEVICE_INFO_SERIAL_NUMBER:
+            return Info::Text(entry.camera.serial);
+        case GenTL::DEVICE_INFO_VERSION:
+            return Info::Text(identity.version);
+        case GenTL::DEVICE_INFO_TIMESTAMP_FREQUENCY:
+            return Info::Uint64(1'000'000'000);
+        default:
+            fail_unknown_command("DevGetInfo", command);
+    }
+}
+
+Device::Device(Session& session, Interface& parent, const CameraEntry& entry, GenTL::DEVICE_ACCESS_FLAGS access)
+    : Module(session, "DevicePort", "Device", {GenTL::EVENT_ERROR}),
+      parent_(parent),
+      entry_(entry),
+      access_(access),
+      locks_(DeviceAccess::Acquire(session.configuration.state_folder, entry.camera.serial, access)),
+      camera_(entry.camera) {
+    ListFeatures();
+    ListStreamFeatures();
+    FinishFeatures();
+}
+
+Device::~Device() = default;
+
+std::shared_ptr<RemotePort> Device::Remote() {
+    if (!remote_) {
+        remote_ = std::make_shared<RemotePort>(shared_from_this());
+        session_.handles.Add(remote_);
+    }
+    return remote_;
+}
+
+void Device::ListFeatures() {
+    const auto text = [this](GenTL::DEVICE_INFO_CMD command) {
+        return [this, command] { return std::string(GetInfo(command).Content().c_str()); };
+    };
+    features_.Category("DeviceInformation");
+    features_.Text("DeviceID", "Identifier of the device", 256, text(GenTL::DEVICE_INFO_ID));
+    features_.Text("DeviceVendorName", "Maker of the device", 64, text(GenTL::DEVICE_INFO_VENDOR));
+    features_.Text("DeviceModelName", "Model of the device", 64, text(GenTL::DEVICE_INFO_MODEL));
+    features_.Text("DeviceFamilyName", "Family of the device", 64, [] { return "KivSim"; });
+    features_.Text("DeviceVersion", "Version of the device", 64, text(GenTL::DEVICE_INFO_VERSION));
+    features_.Text("DeviceManufacturerInfo", "What the maker says about the device", 64, [] { return "simulated camera"; });
+    features_.Text("DeviceSerialNumber", "Serial number of the device", 64, text(GenTL::DEVICE_INFO_SERIAL_NUMBER));
+    features_.Text("DeviceDisplayName", "Name of the device to show to people", 512, text(GenTL::DEVICE_INFO_DISPLAYNAME));
+    features_.Text("DeviceUserID", "Name that the user gave the device", name_length, text(GenTL::DEVICE_INFO_USER_DEFINED_NAME),
+                   [this](std::string_view name) {
+                       char bytes[name_length] = {};
+                       name.copy(bytes, sizeof bytes - 1);
+                       Remote()->Write(user_name_address, std::as_bytes(std::span(bytes)));
+                   });
+    features_.Enumeration("DeviceType", "Transport technology", transport_words(),
+                          [this] { return transport_word_index(session_.configuration.tl_type); });
+    features_.Enumeration("DeviceAccessStatus", "Who has the device", access_words(), [this] {
+        return ReadOnly() ? GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY : GenTL::DEVICE_ACCESS_STATUS_OPEN_READWRITE;
+    });
+    features_.Integer("DeviceTimestampFrequency", "Ticks per second of the device's clock", [] { return 1'000'000'000; });
+    features_.Enumeration("DeviceChunkDataFormat", "Layout of chunk data", {"None"}, [] { return 0; });
+    features_.Enumeration("DeviceEventDataFormat", "Layout of the device's events", {"None"}, [] { return 0; });
+}
+
+void Device::ListStreamFeatures() {
+    features_.Category("StreamEnumeration");
+    features_.Index(
+        "StreamSelector", "Index in the list of streams", [this] { return selected_; },
+        [this](int64_t value) { selected_ = value; }, [] { return 1; });
+    features_.SelectedBy("StreamSelector");
+    features_.Text("StreamID", "Identifier of the stream", 256, [this] { return StreamId(); });
+    features_.SelectedBy({});
+}
+
+Info Device::GetInfo(GenTL::DEVICE_INFO_CMD command) {
+    const auto status = ReadOnly() ? GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY : GenTL::DEVICE_ACCESS_STATUS_OPEN_READWRITE;
+    return device_info(session_, entry_, camera_identity(camera_), status, command);
+}
+
+std::shared_ptr<Stream> Device::OpenStream(std::string_view id) {
+    if (id != StreamId()) fail(GenTL::GC_ERR_INVALID_ID, "Device " + entry_.id + " has no stream \"" + std::string(id) + "\"");
+    if (stream_) fail(GenTL::GC_ERR_RESOURCE_IN_USE, "Stream " + StreamId() + " is open already");
+    if (ReadOnly()) fail(GenTL::GC_ERR_ACCESS_DENIED, "Device " + entry_.id + " is opened for reading only");
+    Present();
+    stream_ = std::make_shared<Stream>(session_, shared_from_this());
+    session_.handles.Add(stream_);
+    return stream_;
+}
+
+void Device::Close() {
+    if (const auto stream = stream_) stream->Close();
+    if (remote_) session_.handles.Remove(*remote_);
+    remote_.reset();
+    Retire();
+    locks_.reset();
+    parent_.DeviceClosed(entry_.id);
+}
+
+bool Device::Vanished() {
+    if (vanished_) return true;
+    if (!is_unplugged(entry_)) return false;
+    if (vanished_.exchange(true)) return true;
+    Events().FireError(GenTL::GC_ERR_IO, "Camera " + entry_.id + " is no longer there");
+    Events().Disconnect();
+    camera_.Wake();
+    return true;
+}
+
+Camera& Device::Present() {
+    if (Vanished()) fail(GenTL::GC_ERR_IO, "Camera " + entry_.id + " is no longer there");
+    return camera_;
+}
+
+PortIdentity Device::Identity() {
+    const CameraIdentity camera = camera_identity(camera_);
+    PortIdentity identity;
+    identity.id = entry_.id;
+    identity.vendor = camera.vendor;
+    identity.model = entry_.camera.model;
+    identity.tl_type = session_.configuration.tl_type;
+    identity.module = "TLDevice";
+    identity.version = producer_version;
+    identity.name = "DevicePort";
+    return identity;
+}
+
+}  // namespace kivsim

@@ -1,0 +1,92 @@
+/// The device module: the producer's side of an opened camera. The camera itself is behind its remote port.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "configuration.h"
+#include "device_access.h"
+#include "module.h"
+
+namespace kivsim {
+
+class Interface;
+class RemotePort;
+class Stream;
+
+class Device : public Module, public std::enable_shared_from_this<Device> {
+public:
+    /// Throws ACCESS_DENIED when another process has the camera, ERROR when its registers cannot be mapped.
+    Device(Session& session, Interface& parent, const CameraEntry& entry, GenTL::DEVICE_ACCESS_FLAGS access);
+    ~Device() override;
+
+    Interface& Parent() const { return parent_; }
+    /// One for the life of the device; made when it is first asked for.
+    std::shared_ptr<RemotePort> Remote();
+    const CameraEntry& Entry() const { return entry_; }
+    bool ReadOnly() const { return access_ == GenTL::DEVICE_ACCESS_READONLY; }
+
+    Info GetInfo(GenTL::DEVICE_INFO_CMD command);
+    std::string StreamId() const { return entry_.id + "_Stream0"; }
+    std::shared_ptr<Stream> OpenStream(std::string_view id);
+    void StreamClosed() { stream_.reset(); }
+
+    void Close();
+
+    /// The camera; throws IO once it has vanished, for good: a camera that comes back must be opened anew. Needs no lock.
+    Camera& Present();
+    /// The same without asking whether it is there.
+    Camera& Hardware() { return camera_; }
+    /// Whether it vanished; looks. The first one to see it fires the error event. Needs no lock.
+    bool Vanished();
+
+    PortIdentity Identity() override;
+
+private:
+    void ListFeatures();
+    void ListStreamFeatures();
+
+    Interface& parent_;  // closes its children before it goes
+    const CameraEntry& entry_;
+    const GenTL::DEVICE_ACCESS_FLAGS access_;
+    std::optional<DeviceAccess> locks_;
+    Camera camera_;
+    std::atomic<bool> vanished_{false};
+    std::shared_ptr<RemotePort> remote_;
+    std::shared_ptr<Stream> stream_;
+    int64_t selected_ = 0;
+};
+
+/// The registers of the camera. Its calls need no lock: the camera has its own, and a slow one delays nobody else.
+class RemotePort : public Object, public Port {
+public:
+    explicit RemotePort(const std::shared_ptr<Device>& device) : device_(device) {}
+
+    void Read(uint64_t address, std::span<std::byte> out) override;
+    void Write(uint64_t address, std::span<const std::byte> in) override;
+    PortIdentity Identity() override;
+    DescriptionInfo Description() override;
+
+private:
+    std::shared_ptr<Device> Owner() const;
+
+    std::weak_ptr<Device> device_;  // a call may be under way while another thread closes the device
+};
+
+/// What the camera's own registers say, read without opening it.
+struct CameraIdentity {
+    std::string vendor, version, user_defined_name;
+};
+CameraIdentity camera_identity(Camera& camera);
+CameraIdentity camera_identity(const CameraEntry& entry);
+
+/// What is known of a camera without opening it, and of an open one.
+Info device_info(const Session& session, const CameraEntry& entry, const CameraIdentity& identity,
+                 GenTL::DEVICE_ACCESS_STATUS status, GenTL::DEVICE_INFO_CMD command);
+/// The words of DEVICE_ACCESS_STATUS in node maps; the index is the value.
+const std::vector<std::string>& access_words();
+bool is_unplugged(const CameraEntry& entry);
+
+}  // namespace kivsim

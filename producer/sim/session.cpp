@@ -1,0 +1,59 @@
+#include "session.h"
+
+#include "kiv/platform/paths.h"
+#include "system.h"
+
+namespace kivsim {
+namespace {
+
+struct Current {
+    std::mutex lock;
+    std::shared_ptr<Session> session;
+};
+
+Current& current() {
+    static Current state;
+    return state;
+}
+
+const char inside_this_module = 0;
+
+}  // namespace
+
+Session::Session() {
+    module_path = kiv::platform::module_file(&inside_this_module);
+    module_name = module_path.substr(module_path.find_last_of("/\\") + 1);
+    try {
+        configuration = load_configuration();
+    } catch (const std::exception& error) {
+        configuration_error = error.what();
+    }
+}
+
+void begin_session() {
+    Current& state = current();
+    const std::scoped_lock guard(state.lock);
+    if (state.session) fail(GenTL::GC_ERR_RESOURCE_IN_USE, "GCInitLib was called already");
+    state.session = std::make_shared<Session>();
+}
+
+void end_session() {
+    std::shared_ptr<Session> ended;
+    {
+        Current& state = current();
+        const std::scoped_lock guard(state.lock);
+        if (!state.session) fail(GenTL::GC_ERR_NOT_INITIALIZED, "GCInitLib was not called");
+        ended.swap(state.session);
+    }
+    const std::scoped_lock guard(ended->tree);
+    if (const auto system = ended->system) system->Close();
+}
+
+std::shared_ptr<Session> current_session() {
+    Current& state = current();
+    const std::scoped_lock guard(state.lock);
+    if (!state.session) fail(GenTL::GC_ERR_NOT_INITIALIZED, "GCInitLib was not called");
+    return state.session;
+}
+
+}  // namespace kivsim
