@@ -46,6 +46,12 @@ K_API K_STATUS_CODES K_CALL K_Factory_GetCameraIDByIndex(FACTORY_HANDLE hFactory
 K_API K_STATUS_CODES K_CALL K_Factory_GetCameraInfo(FACTORY_HANDLE hFactory, const char* cameraId, uint32_t infoCmd, char* buffer,
                                                     uint32_t* pSize);
 
+/**
+ * Whether a camera that need not be open could be opened now: GenTL's DEVICE_ACCESS_STATUS, 1 free, 2 free for reading only, 3 not
+ * reachable, 4 open elsewhere, 5 and 6 open in this process, 0 not known. The producer's status when it does not tell.
+ */
+K_API K_STATUS_CODES K_CALL K_Factory_GetCameraAccess(FACTORY_HANDLE hFactory, const char* cameraId, int32_t* pAccess);
+
 /** Copies the record of the last GenICam error of the process. It is not cleared. */
 K_API K_STATUS_CODES K_CALL K_Factory_GetGenICamErrorInfo(K_GC_ERROR_INFO* pInfo);
 

@@ -91,6 +91,14 @@ K_API K_STATUS_CODES K_CALL K_Factory_GetCameraInfo(FACTORY_HANDLE hFactory, con
     });
 }
 
+K_API K_STATUS_CODES K_CALL K_Factory_GetCameraAccess(FACTORY_HANDLE hFactory, const char* cameraId, int32_t* pAccess) {
+    return guarded([&] {
+        auto& opened = factory(hFactory);
+        auto& access = out(pAccess);
+        return opened.CameraAccess(cameraId, access);
+    });
+}
+
 K_API K_STATUS_CODES K_CALL K_Factory_GetGenICamErrorInfo(K_GC_ERROR_INFO* pInfo) {
     return guarded([&] {
         copy_error_record(out(pInfo));

@@ -165,33 +165,51 @@ CInterfaceClass* CFactory::FindInterface(CTLWrapper& producer, const std::string
     return found == producer.Interfaces().end() ? nullptr : found->second.get();
 }
 
-K_STATUS_CODES CFactory::CameraInfo(const char* camera_id, std::uint32_t command, char* buffer, std::uint32_t& size) const {
+K_STATUS_CODES CFactory::Locate(const char* camera_id, Place& place) const {
     if (!camera_id) return K_ST_INVALID_ID;
     auto producer_key = kiv::producer_part(camera_id);
     auto device = kiv::device_part(camera_id);
     auto interface_id = kiv::interface_part(camera_id);
     if (!producer_key || !device || !interface_id) return K_ST_INVALID_ID;
-    auto* producer = FindProducer(*producer_key);
-    auto* opened = producer ? FindInterface(*producer, *interface_id) : nullptr;
-    if (!opened) return K_ST_INVALID_HANDLE;
+    place.producer = FindProducer(*producer_key);
+    place.opened = place.producer ? FindInterface(*place.producer, *interface_id) : nullptr;
+    place.device = std::move(*device);
+    return place.opened ? K_ST_SUCCESS : K_ST_INVALID_HANDLE;
+}
 
+K_STATUS_CODES CFactory::CameraInfo(const char* camera_id, std::uint32_t command, char* buffer, std::uint32_t& size) const {
+    Place place;
+    if (auto status = Locate(camera_id, place); status != K_ST_SUCCESS) return status;
     if (command == device_part_command) {
         // No capacity check: the caller promises room for the identifier that it passed in itself.
-        if (buffer) buffer[device->copy(buffer, device->size())] = '\0';
-        size = static_cast<std::uint32_t>(device->size() + 1);
+        if (buffer) buffer[place.device.copy(buffer, place.device.size())] = '\0';
+        size = static_cast<std::uint32_t>(place.device.size() + 1);
         return K_ST_SUCCESS;
     }
-    if (!producer->IFGetDeviceInfo) return K_ST_NOT_IMPLEMENTED;
+    if (!place.producer->IFGetDeviceInfo) return K_ST_NOT_IMPLEMENTED;
     try {
         GenTL::INFO_DATATYPE type = 0;
         std::size_t wide = size;
-        auto status =
-            producer->IFGetDeviceInfo(opened->Handle(), device->c_str(), producer_command(command), &type, buffer, &wide);
+        auto status = place.producer->IFGetDeviceInfo(place.opened->Handle(), place.device.c_str(), producer_command(command),
+                                                      &type, buffer, &wide);
         size = static_cast<std::uint32_t>(wide);
         return status;
     } catch (...) {
         return K_ST_NOT_IMPLEMENTED;
     }
+}
+
+K_STATUS_CODES CFactory::CameraAccess(const char* camera_id, std::int32_t& access) const {
+    Place place;
+    if (auto status = Locate(camera_id, place); status != K_ST_SUCCESS) return status;
+    if (!place.producer->IFGetDeviceInfo) return K_ST_NOT_IMPLEMENTED;
+    GenTL::INFO_DATATYPE type = 0;
+    std::int32_t value = 0;
+    std::size_t size = sizeof value;
+    auto status = place.producer->IFGetDeviceInfo(place.opened->Handle(), place.device.c_str(), GenTL::DEVICE_INFO_ACCESS_STATUS,
+                                                  &type, &value, &size);
+    if (status == K_ST_SUCCESS) access = value;
+    return status;
 }
 
 bool CFactory::Report(std::uint32_t index, K_PRODUCER_REPORT& report) const {

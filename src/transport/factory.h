@@ -50,11 +50,20 @@ public:
     CInterfaceClass* FindInterface(CTLWrapper& producer, const std::string& id) const;
 
     K_STATUS_CODES CameraInfo(const char* camera_id, std::uint32_t command, char* buffer, std::uint32_t& size) const;
+    /// The producer's DEVICE_ACCESS_STATUS of a camera that need not be open.
+    K_STATUS_CODES CameraAccess(const char* camera_id, std::int32_t& access) const;
     bool Report(std::uint32_t index, K_PRODUCER_REPORT& report) const;
 
     const ForceIpSettings& ForceIp() const { return force_ip_; }
 
 private:
+    /// Where a camera of the list hangs.
+    struct Place {
+        CTLWrapper* producer = nullptr;
+        CInterfaceClass* opened = nullptr;
+        std::string device;
+    };
+    K_STATUS_CODES Locate(const char* camera_id, Place& place) const;
     K_STATUS_CODES Discover();
     K_STATUS_CODES Bind(const kiv::ProducerRegistry::Element& element, K_PRODUCER_REPORT& report);
 
