@@ -9,6 +9,15 @@ namespace {
 
 enum CameraInfoCommand : uint32_t { kVendor = 1, kModel = 2, kUserName = 6, kSerial = 7, kDeviceId = 1003 };
 
+/// GenTL's DEVICE_ACCESS_STATUS in words.
+constexpr std::array kStates{"unknown", "free", "read only", "unreachable", "busy", "open", "open"};
+
+std::string state_of(const Factory& factory, const std::string& id) {
+    const std::optional<int32_t> access = factory.CameraAccess(id);
+    const bool is_known = access && *access >= 0 && static_cast<std::size_t>(*access) < kStates.size();
+    return is_known ? kStates[static_cast<std::size_t>(*access)] : kStates[0];
+}
+
 /// One way to name a camera.
 struct Naming {
     const char* prefix;
@@ -56,13 +65,13 @@ std::string describe(const CameraEntry& camera) {
 
 nlohmann::json to_json(const CameraEntry& camera) {
     return {{"index", camera.index}, {"id", camera.id},         {"device_id", camera.device_id}, {"vendor", camera.vendor},
-            {"model", camera.model}, {"serial", camera.serial}, {"user_name", camera.user_name}};
+            {"model", camera.model}, {"serial", camera.serial}, {"user_name", camera.user_name}, {"state", camera.state}};
 }
 
 std::vector<CameraEntry> list_cameras(Factory& factory) {
     std::vector<CameraEntry> cameras;
     for (const std::string& id : factory.FindCameras()) {
-        CameraEntry camera{cameras.size(), id, {}, {}, {}, {}, {}};
+        CameraEntry camera{cameras.size(), id, {}, {}, {}, {}, {}, state_of(factory, id)};
         camera.device_id = factory.CameraInfo(id, kDeviceId);
         camera.vendor = factory.CameraInfo(id, kVendor);
         camera.model = factory.CameraInfo(id, kModel);

@@ -15,6 +15,7 @@ struct CameraEntry {
     std::string model;
     std::string serial;
     std::string user_name;
+    std::string state;  ///< "free", "busy", ... or "unknown"
 };
 
 /// The keys are documented in docs/kiv-tool.md.

@@ -87,6 +87,7 @@ void print_identity(const CameraEntry& camera) {
     print_line("model", camera.model);
     print_line("serial number", camera.serial);
     print_line("user name", camera.user_name);
+    print_line("state", camera.state);
 }
 
 ExitCode info_as_json(const Factory& factory, const CameraEntry& entry) {

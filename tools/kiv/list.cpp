@@ -11,7 +11,7 @@
 namespace {
 
 constexpr const char* kFooter =
-    "Prints index, model, serial number, identifier and user name of each camera.\n"
+    "Prints index, model, serial number, identifier, state (free, busy ...) and user name of each camera.\n"
     "\n"
     "Examples:\n"
     "  kiv list\n"
@@ -29,9 +29,9 @@ void print(const std::vector<CameraEntry>& cameras) {
     const std::size_t id = widest(cameras, &CameraEntry::id);
     for (const CameraEntry& camera : cameras) {
         const std::string name = camera.user_name.empty() ? "" : "  \"" + printable(camera.user_name) + "\"";
-        std::printf("%3zu  %s   SN %s   %s%s\n", camera.index, padded(printable(camera.model), model).c_str(),
-                    padded(printable(camera.serial), serial).c_str(), padded(printable(camera.id), name.empty() ? 0 : id).c_str(),
-                    name.c_str());
+        std::printf("%3zu  %s   SN %s   %s    %s%s\n", camera.index, padded(printable(camera.model), model).c_str(),
+                    padded(printable(camera.serial), serial).c_str(), padded(printable(camera.id), id).c_str(),
+                    camera.state.c_str(), name.c_str());
     }
 }
 

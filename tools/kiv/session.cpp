@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr uint32_t kFirstTextSize = 512;
+constexpr uint32_t kFirstTextSize = 1024;
 
 using RegistryFile = std::unique_ptr<K_REGISTRY, Closer<K_Registry_Close>>;
 
@@ -113,6 +113,12 @@ std::string Factory::CameraInfo(const std::string& id, uint32_t command) const {
     } catch (const ApiError&) {
         return {};
     }
+}
+
+std::optional<int32_t> Factory::CameraAccess(const std::string& id) const {
+    int32_t access = 0;
+    if (K_Factory_GetCameraAccess(Get(), id.c_str(), &access) != K_ST_SUCCESS) return std::nullopt;
+    return access;
 }
 
 std::vector<K_PRODUCER_REPORT> Factory::Producers() const {

@@ -38,6 +38,8 @@ public:
     /// A fact about a camera that need not be open; empty when its producer does not tell. `command` as in
     /// K_Factory_GetCameraInfo.
     std::string CameraInfo(const std::string& id, uint32_t command) const;
+    /// GenTL's DEVICE_ACCESS_STATUS; nothing when the producer does not tell.
+    std::optional<int32_t> CameraAccess(const std::string& id) const;
     /// What became of each producer of the registry; call FindCameras before.
     std::vector<K_PRODUCER_REPORT> Producers() const;
 
