@@ -7,6 +7,7 @@
 #include <limits>
 #include <mutex>
 #include <stdexcept>
+#include <utility>
 
 #include "GenTL/GenTL.h"
 #include "automatic.h"
