@@ -49,7 +49,6 @@ CChunkAdapter::~CChunkAdapter() {
 void CChunkAdapter::AttachNodeMap(INodeMap* map) {
     if (!map) throw GenICam::InvalidArgumentException("A chunk adapter was given no node map.");
     DetachNodeMap();
-    const AutoLock lock(map->GetLock());
     map_ = map;
     NodeList_t all;
     map->GetNodes(all);
@@ -58,8 +57,6 @@ void CChunkAdapter::AttachNodeMap(INodeMap* map) {
 }
 
 void CChunkAdapter::DetachNodeMap() {
-    if (!map_) return;
-    const AutoLock lock(map_->GetLock());
     map_ = nullptr;
     ports_.clear();
 }

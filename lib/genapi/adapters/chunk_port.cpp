@@ -70,7 +70,6 @@ bool CChunkPort::AttachPort(INode* node) {
     if (!idChanges) id = kiv::genapi::id_bytes(chunk->GetChunkID());
     if (!idChanges && id.empty()) return false;
 
-    const AutoLock lock(node->GetNodeMap()->GetLock());
     node_ = node;
     port_ = port;
     chunkId_ = std::move(id);
@@ -83,13 +82,12 @@ bool CChunkPort::AttachPort(INode* node) {
 
 void CChunkPort::DetachPort() {
     if (!node_) return;
-    const AutoLock lock(GetLock());
-    IPortConstruct* port = port_;
+    // Not under the lock: callbacks that ask to be called outside of it must be.
+    port_->SetPortImpl(nullptr);
     node_ = nullptr;
     port_ = nullptr;
     DropChunk();
     DropCache();
-    port->SetPortImpl(nullptr);
 }
 
 void CChunkPort::RefreshChunkID() {

@@ -28,7 +28,6 @@ CEventAdapter::~CEventAdapter() {
 void CEventAdapter::AttachNodeMap(INodeMap* map) {
     if (!map) throw GenICam::InvalidArgumentException("An event adapter was given no node map.");
     DetachNodeMap();
-    const AutoLock lock(map->GetLock());
     map_ = map;
     NodeList_t all;
     map->GetNodes(all);
@@ -42,8 +41,6 @@ void CEventAdapter::AttachNodeMap(INodeMap* map) {
 }
 
 void CEventAdapter::DetachNodeMap() {
-    if (!map_) return;
-    const AutoLock lock(map_->GetLock());
     map_ = nullptr;
     nodes_.clear();
     ports_.clear();

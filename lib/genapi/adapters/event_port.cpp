@@ -39,7 +39,6 @@ bool CEventPort::AttachNode(INode* node) {
     if (!port) return false;
     std::vector<uint8_t> id = kiv::genapi::id_bytes(node->GetEventID());
     if (id.empty()) return false;
-    const AutoLock lock(node->GetNodeMap()->GetLock());
     node_ = node;
     port_ = port;
     eventId_ = std::move(id);
@@ -49,12 +48,11 @@ bool CEventPort::AttachNode(INode* node) {
 
 void CEventPort::DetachNode() {
     if (!node_) return;
-    const AutoLock lock(GetLock());
-    IPortConstruct* port = port_;
+    // Not under the lock: callbacks that ask to be called outside of it must be.
+    port_->SetPortImpl(nullptr);
     node_ = nullptr;
     port_ = nullptr;
     ResetEventDataBuffer();
-    port->SetPortImpl(nullptr);
 }
 
 bool CEventPort::CheckEventID(const uint8_t* id, int length) const {
