@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 #include <kiv/platform/event.h>
+#include <kiv/platform/paths.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <string>
 #include <system_error>
+#include <thread>
+#include <vector>
 
 #include "child_process.h"
 
@@ -94,6 +98,26 @@ TEST(NamedEvent, ProcessesShareSignalsWithoutLossOrDoubling) {
     EXPECT_EQ(rounds, std::stoi(first.ReadLine()) + std::stoi(second.ReadLine()));
     EXPECT_EQ(0, first.Finish());
     EXPECT_EQ(0, second.Finish());
+}
+
+TEST(NamedEvent, MakersAndClosersAtOnceAgreeOnTheName) {
+    const std::string name = own_name("busy");
+    std::atomic<int> lost{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&] {
+            for (int round = 0; round < 300; ++round) {
+                const auto held = Event::CreateNamed(name, ResetMode::manual);
+                const auto again = Event::OpenNamed(name);  // must be the same one: it is held
+                held->Set();
+                if (!again || !again->IsSet()) ++lost;
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(0, lost);
+    EXPECT_EQ(nullptr, Event::OpenNamed(name));
+    for (const auto& entry : std::filesystem::directory_iterator(user_runtime_folder()))
+        EXPECT_EQ(std::string::npos, entry.path().string().find("new-" + std::to_string(getpid()))) << entry.path();
 }
 
 TEST(NamedEvent, StrangeNamesAreNamesAndNotPaths) {
