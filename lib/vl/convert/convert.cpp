@@ -58,7 +58,10 @@ private:
 
     void Strip(std::uint32_t first, std::uint32_t last) {
         cv::Mat target = lines_of(image_, first, last);
-        if (IsBayer()) {
+        if (format_.arrangement == Arrangement::Grey && !image_.IsColour() && !reader_.IsDirect()) {
+            for (std::uint32_t line = first; line < last; ++line)
+                reader_.Read(line, reinterpret_cast<Component*>(image_.Line(line)));
+        } else if (IsBayer()) {
             DemosaicStrip(first, last, target);
         } else if (format_.arrangement == Arrangement::Chroma) {
             place_pixels(ChromaPixels(first, last), "BGR", target);

@@ -1,25 +1,22 @@
 #include "convert/line_reader.h"
 
 #include <bit>
-#include <cstring>
 
 #include "unpack/unpack.h"
 
 namespace kiv::vl {
 namespace {
 
-void bring_to_range(std::uint16_t* values, std::size_t count, unsigned bits, std::uint8_t* out) {
+// 16-bit components are unpacked where they are wanted and spread in place; 8-bit ones need a line of scratch.
+std::uint16_t* place_to_unpack(std::uint16_t* out, std::vector<std::uint16_t>&) { return out; }
+std::uint16_t* place_to_unpack(std::uint8_t*, std::vector<std::uint16_t>& scratch) { return scratch.data(); }
+
+void bring_to_range(const std::uint16_t* values, std::size_t count, unsigned bits, std::uint8_t* out) {
     reduce_to_8(values, count, bits, out);
 }
 
-void bring_to_range(std::uint16_t* values, std::size_t count, unsigned bits, std::uint16_t* out) {
-    if (bits >= 8) {
-        spread_to_16(values, count, bits);
-        std::memcpy(out, values, count * sizeof *out);
-        return;
-    }
-    const unsigned step = 65535 / ((1u << bits) - 1);
-    for (std::size_t i = 0; i < count; ++i) out[i] = static_cast<std::uint16_t>(values[i] * step);
+void bring_to_range(const std::uint16_t*, std::size_t count, unsigned bits, std::uint16_t* out) {
+    spread_to_16(out, count, bits);
 }
 
 }  // namespace
@@ -34,19 +31,20 @@ bool LineReader<Component>::IsDirect() const {
 }
 
 template <class Component>
+void LineReader<Component>::ReadPlane(std::uint32_t line, unsigned plane, Component* out) {
+    std::uint16_t* values = place_to_unpack(out, scratch_);
+    raw_.ReadLine(line, plane, values);
+    bring_to_range(values, raw_.ComponentsPerLine(), raw_.Format().bits, out);
+}
+
+template <class Component>
 void LineReader<Component>::Read(std::uint32_t line, Component* out) {
-    const auto& format = raw_.Format();
-    const unsigned planes = format.Planes();
-    if (planes == 1) {
-        raw_.ReadLine(line, 0, scratch_.data());
-        bring_to_range(scratch_.data(), scratch_.size(), format.bits, out);
-        return;
-    }
-    std::vector<Component> plane_line(scratch_.size());
+    const unsigned planes = raw_.Format().Planes();
+    if (planes == 1) return ReadPlane(line, 0, out);
+    plane_line_.resize(raw_.ComponentsPerLine());
     for (unsigned plane = 0; plane < planes; ++plane) {
-        raw_.ReadLine(line, plane, scratch_.data());
-        bring_to_range(scratch_.data(), scratch_.size(), format.bits, plane_line.data());
-        for (std::size_t i = 0; i < plane_line.size(); ++i) out[i * planes + plane] = plane_line[i];
+        ReadPlane(line, plane, plane_line_.data());
+        for (std::size_t i = 0; i < plane_line_.size(); ++i) out[i * planes + plane] = plane_line_[i];
     }
 }
 

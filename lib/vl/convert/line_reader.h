@@ -19,8 +19,11 @@ public:
     void Read(std::uint32_t line, Component* out);
 
 private:
+    void ReadPlane(std::uint32_t line, unsigned plane, Component* out);
+
     const RawView& raw_;
     std::vector<std::uint16_t> scratch_;
+    std::vector<Component> plane_line_;
 };
 
 extern template class LineReader<std::uint8_t>;

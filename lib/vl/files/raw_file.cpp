@@ -94,12 +94,9 @@ EncodedFile encode_raw(const K_IMAGE_INFO& raw) {
     refuse_null(raw.image_data, "image_data");
     const std::uint64_t size = bytes_to_store(raw);
     const Header header = make_header(raw, size);
-    const auto* head = reinterpret_cast<const std::byte*>(header.data());
-    const auto* data = static_cast<const std::byte*>(raw.image_data);
-    EncodedFile bytes;
-    bytes.reserve(header_size + size);
-    bytes.insert(bytes.end(), head, head + header_size);
-    bytes.insert(bytes.end(), data, data + size);
+    EncodedFile bytes(header_size + size);
+    std::memcpy(bytes.data(), header.data(), header_size);
+    std::memcpy(bytes.data() + header_size, raw.image_data, size);
     return bytes;
 }
 

@@ -111,6 +111,11 @@ void unpack(const PixelFormat& format, const std::uint8_t* data, std::size_t fir
 
 void spread_to_16(std::uint16_t* values, std::size_t count, unsigned bits) noexcept {
     if (bits == 16) return;
+    if (bits < 8) {
+        const unsigned step = 65535 / ((1u << bits) - 1);
+        for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<std::uint16_t>(values[i] * step);
+        return;
+    }
     const unsigned up = 16 - bits;
     const unsigned down = 2 * bits - 16;
     for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<std::uint16_t>(values[i] << up | values[i] >> down);

@@ -22,7 +22,7 @@ using FastUnpack = std::size_t (*)(const std::uint8_t* data, std::size_t count, 
 /// The vector version for a packing on this machine, or null.
 FastUnpack fast_unpack(Packing packing, unsigned bits) noexcept;
 
-/// Spreads values of `bits` bits over 16, so that the largest stays the largest (bits is at least 8).
+/// Spreads values of `bits` bits over 16, so that the largest stays the largest.
 void spread_to_16(std::uint16_t* values, std::size_t count, unsigned bits) noexcept;
 /// The same to 8 bits, with any number of bits; lower bits are cut.
 void reduce_to_8(const std::uint16_t* values, std::size_t count, unsigned bits, std::uint8_t* out) noexcept;
