@@ -85,11 +85,12 @@ void Sensor::Collect(uint32_t y, unsigned channels) {
         for (size_t c = 0; c < 3; ++c) {
             if (!lines[c]) continue;
             float* light = light_[c].data();
-            if (sub == 0) std::fill_n(light, s.width, 0.0F);
-            if (s.binning_x == 1) {
-                for (uint32_t x = 0; x < s.width; ++x) light[x] += lines[c][x];
+            if (binned_ == 1) {
+                const uint16_t* line = lines[c];
+                for (uint32_t x = 0; x < s.width; ++x) light[x] = line[x];
                 continue;
             }
+            if (sub == 0) std::fill_n(light, s.width, 0.0F);
             for (uint32_t x = 0, in = 0; x < s.width; ++x)
                 for (uint32_t k = 0; k < s.binning_x; ++k, ++in) light[x] += lines[c][in];
         }

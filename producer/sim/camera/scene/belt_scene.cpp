@@ -54,9 +54,9 @@ void BeltScene::DrawTile() {
     for (uint32_t y = 0, i = 0; y < kTileHeight; ++y) {
         for (uint32_t x = 0; x < kTileWidth; ++x, ++i) {
             const uint32_t bits = hash32(x * 7919 + y, seed_);
-            const double weave = 0.020 * std::sin((x + y) * period) + 0.014 * std::sin((x - 2.0 * y) * period);
+            const double weave = 0.026 * std::sin((x + y) * period) + 0.018 * std::sin((x - 2.0 * y) * period);
             const double dust = (bits >> 20) % 600 == 0 ? 0.13 : 0.0;
-            const double value = 0.205 + weave + dust + 0.028 * (random_unit(bits) - 0.5F);
+            const double value = 0.36 + weave + dust + 0.028 * (random_unit(bits) - 0.5F);
             for (uint32_t c = 0; c < planes_; ++c) tile_[c][i] = level(value * (planes_ == 1 ? 1.0F : kTint[c]));
         }
     }
@@ -87,7 +87,9 @@ void BeltScene::PlaceParts() {
     const auto last = static_cast<int64_t>(std::ceil((width_ + reach - static_cast<double>(shift_)) / pitch));
     for (int64_t i = first; i <= last; ++i) {
         const uint32_t bits = hash32(static_cast<uint32_t>(i), seed_ + 2);
-        const auto& sprite = sprites_[bits % sprites_.size()];
+        // neighbours differ; the order changes from one group of eight to the next
+        const auto kind = static_cast<uint32_t>(i * 5) + hash32(static_cast<uint32_t>(i >> 3), seed_ + 4) % 64;
+        const auto& sprite = sprites_[kind % sprites_.size()];
         const double x = static_cast<double>(i) * pitch + (random_unit(bits >> 8) - 0.5) * 8 * px_per_mm_;
         const double lane = (i & 1) ? 0.30 : 0.70;
         const double y = height_ * lane + (random_unit(bits >> 16) - 0.5) * 0.035 * height_;

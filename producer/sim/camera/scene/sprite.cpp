@@ -162,12 +162,14 @@ struct Pixel {
 };
 
 Pixel draw_pixel(PartKind kind, Vec at, float turn, float pixel) {
+    constexpr float reach = 0.63F;  // of part and shadow
+    if (length(at) > reach) return {1, {0, 0, 0}};
     const Vec p = turned(at, turn);
     const float d = distance(kind, p);
     const float cover = std::clamp(0.5F - d / pixel, 0.0F, 1.0F);
+    if (cover == 1) return {0, surface(kind, p, at) * bevel(kind, p, d, turn)};
     const float shadow_d = distance(kind, turned(at - Vec{0.028F, 0.040F}, turn));
-    const float shadow = 0.62F * smooth(0.045F, -0.040F, shadow_d);
-    const float keep = (1 - cover) * (1 - shadow);
+    const float keep = (1 - cover) * (1 - 0.72F * smooth(0.060F, -0.045F, shadow_d));
     if (cover == 0) return {keep, {0, 0, 0}};
     return {keep, surface(kind, p, at) * (bevel(kind, p, d, turn) * cover)};
 }
@@ -190,7 +192,7 @@ void print(Sprite& sprite, std::string_view text, uint32_t x, uint32_t y, uint32
 // The label shows the text of the camera in its upper half; the lower half is for the number of the plate.
 void print_label(Sprite& sprite, std::string_view text, double diameter) {
     const auto dot =
-        static_cast<uint32_t>(diameter * 0.40 / (kGlyphAdvance * std::max<double>(8, static_cast<double>(text.size()))));
+        static_cast<uint32_t>(diameter * 0.41 / (kGlyphAdvance * std::max<double>(7.8, static_cast<double>(text.size()))));
     if (dot == 0) return;
     const auto x = static_cast<uint32_t>(sprite.width / 2.0 + diameter * 0.012);
     const double middle = sprite.height / 2.0 - diameter * 0.02;
