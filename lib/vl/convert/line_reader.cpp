@@ -7,17 +7,8 @@
 namespace kiv::vl {
 namespace {
 
-// 16-bit components are unpacked where they are wanted and spread in place; 8-bit ones need a line of scratch.
-std::uint16_t* place_to_unpack(std::uint16_t* out, std::vector<std::uint16_t>&) { return out; }
-std::uint16_t* place_to_unpack(std::uint8_t*, std::vector<std::uint16_t>& scratch) { return scratch.data(); }
-
-void bring_to_range(const std::uint16_t* values, std::size_t count, unsigned bits, std::uint8_t* out) {
-    reduce_to_8(values, count, bits, out);
-}
-
-void bring_to_range(const std::uint16_t*, std::size_t count, unsigned bits, std::uint16_t* out) {
-    spread_to_16(out, count, bits);
-}
+void bring_to_range(std::uint8_t*, std::size_t, unsigned) {}
+void bring_to_range(std::uint16_t* values, std::size_t count, unsigned bits) { spread_to_16(values, count, bits); }
 
 }  // namespace
 
@@ -32,9 +23,8 @@ bool LineReader<Component>::IsDirect() const {
 
 template <class Component>
 void LineReader<Component>::ReadPlane(std::uint32_t line, unsigned plane, Component* out) {
-    std::uint16_t* values = place_to_unpack(out, scratch_);
-    raw_.ReadLine(line, plane, values);
-    bring_to_range(values, raw_.ComponentsPerLine(), raw_.Format().bits, out);
+    raw_.ReadLine(line, plane, out);
+    bring_to_range(out, raw_.ComponentsPerLine(), raw_.Format().bits);
 }
 
 template <class Component>

@@ -11,7 +11,7 @@ namespace kiv::vl {
 template <class Component>
 class LineReader {
 public:
-    explicit LineReader(const RawView& raw) : raw_(raw), scratch_(raw.ComponentsPerLine()) {}
+    explicit LineReader(const RawView& raw) : raw_(raw) {}
 
     /// Whether the buffer's own lines are such components already, so that there is nothing to read.
     bool IsDirect() const;
@@ -22,7 +22,6 @@ private:
     void ReadPlane(std::uint32_t line, unsigned plane, Component* out);
 
     const RawView& raw_;
-    std::vector<std::uint16_t> scratch_;
     std::vector<Component> plane_line_;
 };
 

@@ -50,9 +50,19 @@ const std::uint8_t* RawView::Line(std::uint32_t line, unsigned plane) const {
     return data_ + (std::uint64_t{plane} * height_ + line) * stride_;
 }
 
+RawView::Place RawView::PlaceOf(std::uint32_t line, unsigned plane) const {
+    if (line_aligned_) return {Line(line, plane), 0};
+    return {data_, components_per_line_ * line};
+}
+
 void RawView::ReadLine(std::uint32_t line, unsigned plane, std::uint16_t* out) const {
-    if (line_aligned_) return unpack(*format_, Line(line, plane), 0, components_per_line_, out);
-    unpack(*format_, data_, components_per_line_ * line, components_per_line_, out);
+    const Place place = PlaceOf(line, plane);
+    unpack(*format_, place.data, place.component, components_per_line_, out);
+}
+
+void RawView::ReadLine(std::uint32_t line, unsigned plane, std::uint8_t* out) const {
+    const Place place = PlaceOf(line, plane);
+    unpack_to_8(*format_, place.data, place.component, components_per_line_, out);
 }
 
 }  // namespace kiv::vl

@@ -27,6 +27,8 @@ public:
 
     /// Reads the components of one line as they are stored, in the low bits. `out` has room for ComponentsPerLine().
     void ReadLine(std::uint32_t line, unsigned plane, std::uint16_t* out) const;
+    /// The same in the whole range of 8 bits.
+    void ReadLine(std::uint32_t line, unsigned plane, std::uint8_t* out) const;
 
     /// Where a line of whole bytes begins. Only when IsLineAligned().
     const std::uint8_t* Line(std::uint32_t line, unsigned plane = 0) const;
@@ -35,6 +37,12 @@ public:
     bool IsLineAligned() const { return line_aligned_; }
 
 private:
+    struct Place {
+        const std::uint8_t* data;
+        std::size_t component;
+    };
+    Place PlaceOf(std::uint32_t line, unsigned plane) const;
+
     const PixelFormat* format_;
     std::uint32_t width_;
     std::uint32_t height_;

@@ -1,5 +1,8 @@
 #include "unpack/unpack.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace kiv::vl {
 namespace {
 
@@ -89,6 +92,19 @@ Start aligned_start(const PixelFormat& format, std::size_t first) {
     return {component, component * stored_bits / 8};
 }
 
+// Runs the fast version where it can, `plain(first, count, out)` before and behind.
+template <class Fast, class Value, class Plain>
+void unpack_mostly_fast(Fast fast, const PixelFormat& format, const std::uint8_t* data, std::size_t first, std::size_t count,
+                        Value* out, Plain plain) {
+    if (fast == nullptr) return plain(first, count, out);
+    const Start start = aligned_start(format, first);
+    const std::size_t before = start.component - first;
+    if (before >= count) return plain(first, count, out);
+    plain(first, before, out);
+    const std::size_t done = before + fast(data + start.byte, count - before, out + before);
+    plain(first + done, count - done, out + done);
+}
+
 }  // namespace
 
 void unpack_scalar(const PixelFormat& format, const std::uint8_t* data, std::size_t first, std::size_t count,
@@ -98,15 +114,23 @@ void unpack_scalar(const PixelFormat& format, const std::uint8_t* data, std::siz
 }
 
 void unpack(const PixelFormat& format, const std::uint8_t* data, std::size_t first, std::size_t count, std::uint16_t* out) {
-    const FastUnpack fast = fast_unpack(format.packing, format.bits);
-    if (fast == nullptr) return unpack_scalar(format, data, first, count, out);
+    const auto fast = fast_unpackers(format.packing, format.bits).to_16;
+    unpack_mostly_fast(fast, format, data, first, count, out, [&](std::size_t from, std::size_t number, std::uint16_t* to) {
+        unpack_scalar(format, data, from, number, to);
+    });
+}
 
-    const Start start = aligned_start(format, first);
-    const std::size_t before = start.component - first;
-    if (before >= count) return unpack_scalar(format, data, first, count, out);
-    unpack_scalar(format, data, first, before, out);
-    const std::size_t done = before + fast(data + start.byte, count - before, out + before);
-    unpack_scalar(format, data, first + done, count - done, out + done);
+void unpack_to_8(const PixelFormat& format, const std::uint8_t* data, std::size_t first, std::size_t count, std::uint8_t* out) {
+    const auto fast = fast_unpackers(format.packing, format.bits).to_8;
+    unpack_mostly_fast(fast, format, data, first, count, out, [&](std::size_t from, std::size_t number, std::uint8_t* to) {
+        std::uint16_t values[512];
+        for (std::size_t done = 0; done < number;) {
+            const std::size_t some = std::min(number - done, std::size(values));
+            unpack(format, data, from + done, some, values);
+            reduce_to_8(values, some, format.bits, to + done);
+            done += some;
+        }
+    });
 }
 
 void spread_to_16(std::uint16_t* values, std::size_t count, unsigned bits) noexcept {

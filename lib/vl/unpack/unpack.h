@@ -15,12 +15,20 @@ void unpack(const PixelFormat& format, const std::uint8_t* data, std::size_t fir
 /// The same in plain C++, for machines without the vector instructions and as the measure of the fast ones.
 void unpack_scalar(const PixelFormat& format, const std::uint8_t* data, std::size_t first, std::size_t count, std::uint16_t* out);
 
+/// The upper 8 bits of each component (fewer bits are spread over 8) in one go.
+void unpack_to_8(const PixelFormat& format, const std::uint8_t* data, std::size_t first, std::size_t count, std::uint8_t* out);
+
 /// Unpacks as many components as it likes, always whole groups, from a component that begins at `data`; returns how many.
 /// `count` components may be read.
 using FastUnpack = std::size_t (*)(const std::uint8_t* data, std::size_t count, std::uint16_t* out);
+using FastUnpackTo8 = std::size_t (*)(const std::uint8_t* data, std::size_t count, std::uint8_t* out);
 
-/// The vector version for a packing on this machine, or null.
-FastUnpack fast_unpack(Packing packing, unsigned bits) noexcept;
+/// The vector versions for a packing on this machine.
+struct FastUnpackers {
+    FastUnpack to_16 = nullptr;
+    FastUnpackTo8 to_8 = nullptr;
+};
+FastUnpackers fast_unpackers(Packing packing, unsigned bits) noexcept;
 
 /// Spreads values of `bits` bits over 16, so that the largest stays the largest.
 void spread_to_16(std::uint16_t* values, std::size_t count, unsigned bits) noexcept;

@@ -34,6 +34,7 @@ KIV_AVX2 inline __m256i pair_lanes() {
 }
 
 struct Stream12 {
+    static constexpr int bits = 12;
     static constexpr std::size_t half_bytes = 12;
     KIV_AVX2 static __m256i Lanes() { return pair_lanes<false>(); }
     KIV_AVX2 static __m256i Values(__m256i words) {
@@ -42,6 +43,7 @@ struct Stream12 {
 };
 
 struct Pairs12 {
+    static constexpr int bits = 12;
     static constexpr std::size_t half_bytes = 12;
     KIV_AVX2 static __m256i Lanes() { return pair_lanes<true>(); }
     KIV_AVX2 static __m256i Values(__m256i words) {
@@ -53,6 +55,7 @@ struct Pairs12 {
 };
 
 struct Pairs10 {
+    static constexpr int bits = 10;
     static constexpr std::size_t half_bytes = 12;
     KIV_AVX2 static __m256i Lanes() { return pair_lanes<true>(); }
     KIV_AVX2 static __m256i Values(__m256i words) {
@@ -64,6 +67,7 @@ struct Pairs10 {
 
 // There is no shift by a different count for each 16-bit lane: a multiplication brings all values to the top instead.
 struct Stream10 {
+    static constexpr int bits = 10;
     static constexpr std::size_t half_bytes = 10;
     KIV_AVX2 static __m256i Lanes() { return both_halves(0, 1, 1, 2, 2, 3, 3, 4, 5, 6, 6, 7, 7, 8, 8, 9); }
     KIV_AVX2 static __m256i Values(__m256i words) {
@@ -72,15 +76,25 @@ struct Stream10 {
     }
 };
 
-template <class Kind>
-KIV_AVX2 std::size_t unpack_avx2(const std::uint8_t* data, std::size_t count, std::uint16_t* out) {
+KIV_AVX2 inline void store(std::uint16_t* out, __m256i values, int) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), values);
+}
+
+KIV_AVX2 inline void store(std::uint8_t* out, __m256i values, int surplus_bits) {
+    const __m256i upper = _mm256_srl_epi16(values, _mm_cvtsi32_si128(surplus_bits));
+    const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(upper), _mm256_extracti128_si256(upper, 1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
+}
+
+template <class Kind, class Value>
+KIV_AVX2 std::size_t unpack_avx2(const std::uint8_t* data, std::size_t count, Value* out) {
     // The second load reads 16 bytes of which fewer are used: stop while all of them belong to the run.
     constexpr std::size_t needed = (Kind::half_bytes + 16) * step / (2 * Kind::half_bytes) + 1;
     const __m256i lanes = Kind::Lanes();
     std::size_t done = 0;
     for (; done + needed <= count; done += step) {
         const __m256i words = _mm256_shuffle_epi8(load_halves(data, Kind::half_bytes), lanes);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), Kind::Values(words));
+        store(out + done, Kind::Values(words), Kind::bits - 8);
         data += 2 * Kind::half_bytes;
     }
     return done;
@@ -89,24 +103,27 @@ KIV_AVX2 std::size_t unpack_avx2(const std::uint8_t* data, std::size_t count, st
 struct FastRow {
     Packing packing;
     unsigned bits;
-    FastUnpack run;
+    FastUnpackers run;
 };
 
+template <class Kind>
+constexpr FastUnpackers both = {unpack_avx2<Kind, std::uint16_t>, unpack_avx2<Kind, std::uint8_t>};
+
 constexpr FastRow rows[] = {
-    {Packing::BitStream, 12, unpack_avx2<Stream12>},
-    {Packing::Packed12, 12, unpack_avx2<Pairs12>},
-    {Packing::BitStream, 10, unpack_avx2<Stream10>},
-    {Packing::Packed10, 10, unpack_avx2<Pairs10>},
+    {Packing::BitStream, 12, both<Stream12>},
+    {Packing::Packed12, 12, both<Pairs12>},
+    {Packing::BitStream, 10, both<Stream10>},
+    {Packing::Packed10, 10, both<Pairs10>},
 };
 
 }  // namespace
 
-FastUnpack fast_unpack(Packing packing, unsigned bits) noexcept {
+FastUnpackers fast_unpackers(Packing packing, unsigned bits) noexcept {
     static const bool available = __builtin_cpu_supports("avx2");
-    if (!available) return nullptr;
+    if (!available) return {};
     for (const auto& row : rows)
         if (row.packing == packing && row.bits == bits) return row.run;
-    return nullptr;
+    return {};
 }
 
 }  // namespace kiv::vl
@@ -115,7 +132,7 @@ FastUnpack fast_unpack(Packing packing, unsigned bits) noexcept {
 
 namespace kiv::vl {
 
-FastUnpack fast_unpack(Packing, unsigned) noexcept { return nullptr; }
+FastUnpackers fast_unpackers(Packing, unsigned) noexcept { return {}; }
 
 }  // namespace kiv::vl
 

@@ -105,16 +105,19 @@ TEST(Unpack, FastVersionsGiveWhatTheScalarOnesGive) {
     int compared = 0;
     for (std::uint32_t code : {0x010A0046, 0x010C0047, 0x010C0004, 0x010C0006}) {
         const auto& format = pixel_format(code);
-        const FastUnpack fast = fast_unpack(format.packing, format.bits);
-        if (fast == nullptr) continue;
+        const auto fast = fast_unpackers(format.packing, format.bits);
+        if (fast.to_16 == nullptr) continue;
         Values values(2000);
         Values wanted(2000);
-        const std::size_t done = fast(bytes.data(), values.size(), values.data());
+        const std::size_t done = fast.to_16(bytes.data(), values.size(), values.data());
         ASSERT_GT(done, 1900u) << format.name;
         unpack_scalar(format, bytes.data(), 0, done, wanted.data());
         values.resize(done);
         wanted.resize(done);
         EXPECT_EQ(values, wanted) << format.name;
+        Bytes small(2000);
+        ASSERT_EQ(fast.to_8(bytes.data(), small.size(), small.data()), done) << format.name;
+        for (std::size_t i = 0; i < done; ++i) ASSERT_EQ(small[i], wanted[i] >> (format.bits - 8)) << format.name << " at " << i;
         ++compared;
     }
     if (compared == 0) GTEST_SKIP() << "this processor has no vector version";
