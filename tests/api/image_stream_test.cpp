@@ -1,0 +1,424 @@
+// The image stream: what it asks of the producer and in which order, what it delivers, and that closing it always comes back.
+#include <condition_variable>
+#include <cstring>
+#include <deque>
+#include <mutex>
+
+#include "support/scripted_factory.h"
+
+namespace kiv_test {
+namespace {
+
+using GenTL::BUFFER_INFO_CMD;
+using scripted::image_frame;
+
+constexpr std::uint32_t buffer_size = 64 * 48;
+
+/// What the callback saw, for the test's thread.
+class Images {
+public:
+    struct Seen {
+        K_IMAGE_INFO info;
+        std::string data;
+        bool with_context;
+    };
+
+    void Take(const K_IMAGE_INFO& info, bool with_context) {
+        std::lock_guard guard(lock_);
+        auto* bytes = static_cast<const char*>(info.image_data);
+        seen_.push_back({info, std::string(bytes, info.image_size), with_context});
+        changed_.notify_all();
+    }
+    /// The next image, or a test failure after ten seconds.
+    Seen Next() {
+        std::unique_lock guard(lock_);
+        if (!changed_.wait_for(guard, std::chrono::seconds(10), [&] { return !seen_.empty(); })) {
+            ADD_FAILURE() << "no image came";
+            return {};
+        }
+        auto first = seen_.front();
+        seen_.pop_front();
+        return first;
+    }
+    std::size_t Waiting() {
+        std::lock_guard guard(lock_);
+        return seen_.size();
+    }
+    void Forget() {
+        std::lock_guard guard(lock_);
+        seen_.clear();
+    }
+
+private:
+    std::mutex lock_;
+    std::condition_variable changed_;
+    std::deque<Seen> seen_;
+};
+
+Images* no_context_images = nullptr;  // a callback without context knows nothing else
+void on_image(K_IMAGE_INFO* image) { no_context_images->Take(*image, false); }
+void on_image_with_context(void* context, K_IMAGE_INFO* image) { static_cast<Images*>(context)->Take(*image, true); }
+
+using AnyFunction = void (*)();
+
+class ImageStream : public ScriptedFactory {
+protected:
+    using ScriptedFactory::ScriptedFactory;
+
+    void SetUp() override {
+        no_context_images = &images;
+        ASSERT_NO_FATAL_FAILURE(OpenCamera());
+        producer->ForgetCalls();
+    }
+    void TearDown() override {
+        CloseStream();
+        ScriptedFactory::TearDown();
+    }
+
+    K_STATUS_CODES OpenStream(std::uint32_t size = buffer_size) {
+        return K_Image_OpenStream(camera, 0, &images, reinterpret_cast<AnyFunction>(on_image_with_context), &stream, size, 0);
+    }
+    void CloseStream() {
+        if (stream) {
+            EXPECT_STATUS(K_ST_SUCCESS, K_Image_CloseStream(stream));
+        }
+        stream = nullptr;
+    }
+    void Deliver(const scripted::Frame& frame) { ASSERT_TRUE(producer->Deliver(producer->FirstStream(), frame)); }
+    bool WaitForRequeue(std::size_t queued) { return producer->WaitForCalls("DSQueueBuffer", queued); }
+    std::vector<std::uint64_t> Asked() {
+        std::vector<std::uint64_t> commands;
+        for (auto& call : producer->CallsOf("DSGetBufferInfo")) commands.push_back(call.numbers[2]);
+        return commands;
+    }
+
+    Images images;
+    THRD_HANDLE stream = nullptr;
+};
+
+class ImageStreamGigE : public ImageStream {
+protected:
+    ImageStreamGigE() : ImageStream(scripted_gev()) {}
+};
+
+TEST_F(ImageStream, OpensInItsOrder) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    std::vector<std::string> order{"DevGetDataStreamID", "DevGetDataStreamID", "DevOpenDataStream"};
+    for (int i = 0; i < 10; ++i) order.insert(order.end(), {"DSAnnounceBuffer", "DSQueueBuffer"});
+    order.insert(order.end(), {"GCRegisterEvent", "DSStartAcquisition"});
+    auto seen = order;
+    seen.insert(seen.end(), {"DevCreateDataStreamMc"});
+    EXPECT_EQ(order, producer->Order(seen));
+    EXPECT_EQ("STREAM0", producer->CallsOf("DevOpenDataStream")[0].text);
+    for (auto& call : producer->CallsOf("DSAnnounceBuffer")) {
+        EXPECT_EQ(0u, call.numbers[1] % 16) << "aligned";
+        EXPECT_EQ(buffer_size, call.numbers[2]);
+        EXPECT_EQ(0u, call.numbers[3]) << "no private pointer";
+    }
+    EXPECT_EQ(static_cast<std::uint64_t>(GenTL::EVENT_NEW_BUFFER), producer->CallsOf("GCRegisterEvent")[0].numbers[1]);
+    auto start = producer->CallsOf("DSStartAcquisition")[0].numbers;
+    EXPECT_EQ(0u, start[1]) << "flags";
+    EXPECT_EQ(0xFFFFFFFFFFFFFFFFu, start[2]) << "without end";
+    EXPECT_EQ(1u, Register(scripted::reg::params_locked));
+    void* handle = nullptr;
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_GetStreamHandle(stream, &handle));
+    EXPECT_EQ(&producer->FirstStream(), handle);
+}
+
+TEST_F(ImageStream, ClosesInItsOrder) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    producer->ForgetCalls();
+    auto stale = stream;
+    CloseStream();
+    std::vector<std::string> order{"DSStopAcquisition", "GCUnregisterEvent", "DSFlushQueue", "DSFlushQueue"};
+    order.insert(order.end(), 10, "DSRevokeBuffer");
+    order.push_back("DSClose");
+    EXPECT_EQ(order, producer->Order(order));
+    EXPECT_EQ(1u, producer->CallsOf("DSStopAcquisition")[0].numbers[1]) << "kill";
+    EXPECT_EQ(static_cast<std::uint64_t>(GenTL::ACQ_QUEUE_INPUT_TO_OUTPUT), producer->CallsOf("DSFlushQueue")[0].numbers[1]);
+    EXPECT_EQ(static_cast<std::uint64_t>(GenTL::ACQ_QUEUE_OUTPUT_DISCARD), producer->CallsOf("DSFlushQueue")[1].numbers[1]);
+    EXPECT_EQ(0u, Register(scripted::reg::params_locked));
+    EXPECT_THAT(debug.Text(), ::testing::HasSubstr(">>> Terminated Stream Process Loop.\n"));
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_Image_CloseStream(stale));
+}
+
+TEST_F(ImageStream, DeliversTheRecordAndQueuesTheBufferAgain) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    producer->ForgetCalls();
+    auto frame = image_frame(41, 64, 48);
+    auto size = [](std::size_t value) { return scripted::number_info(GenTL::INFO_DATATYPE_SIZET, value); };
+    frame.infos[GenTL::BUFFER_INFO_XOFFSET] = size(3);
+    frame.infos[GenTL::BUFFER_INFO_YOFFSET] = size(5);
+    frame.infos[GenTL::BUFFER_INFO_XPADDING] = size(7);
+    Deliver(frame);
+    auto seen = images.Next();
+    EXPECT_TRUE(seen.with_context);
+    EXPECT_EQ(0x01080001u, seen.info.pixel_type);
+    EXPECT_EQ(64u, seen.info.width);
+    EXPECT_EQ(48u, seen.info.height);
+    EXPECT_EQ(buffer_size, seen.info.image_size);
+    EXPECT_EQ(0u, seen.info.reserved);
+    EXPECT_EQ(41000u, seen.info.timestamp);
+    EXPECT_EQ(10u, seen.info.announced_buffers);
+    EXPECT_EQ(9u, seen.info.queued_buffers);
+    EXPECT_EQ(0u, seen.info.await_delivery);
+    EXPECT_EQ(3u, seen.info.offset_x);
+    EXPECT_EQ(5u, seen.info.offset_y);
+    EXPECT_EQ(7u, seen.info.padding_x);
+    EXPECT_EQ(41u, seen.info.frame_id);
+    EXPECT_EQ(2u, seen.info.pass_state);
+    EXPECT_EQ(frame.data, seen.data);
+    EXPECT_TRUE(WaitForRequeue(1));
+    std::vector<std::uint64_t> order{0, 1, 20, 10, 11, 3, 12, 13, 14, 16};
+    auto asked = Asked();
+    asked.resize(std::min(asked.size(), order.size()));
+    EXPECT_EQ(order, asked);
+}
+
+TEST_F(ImageStream, ACallbackWithoutContextGetsTheRecordAlone) {
+    ASSERT_STATUS(K_ST_SUCCESS,
+                  K_Image_OpenStream(camera, 0, nullptr, reinterpret_cast<AnyFunction>(on_image), &stream, buffer_size, 0));
+    Deliver(image_frame(1, 64, 48));
+    EXPECT_FALSE(images.Next().with_context);
+}
+
+TEST_F(ImageStream, WithoutCallbackBuffersAreQueuedAgainUnseen) {
+    ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStream(camera, 0, &images, nullptr, &stream, buffer_size, 0));
+    producer->ForgetCalls();
+    for (std::uint64_t i = 1; i <= 3; ++i) {
+        Deliver(image_frame(i, 64, 48));
+        EXPECT_TRUE(WaitForRequeue(i));
+    }
+    EXPECT_EQ(0u, images.Waiting());
+}
+
+TEST_F(ImageStream, AProducerOfFourBuffersGivesARingOfFour) {
+    producer->max_buffers = 4;
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    for (std::uint64_t i = 1; i <= 6; ++i) {
+        Deliver(image_frame(i, 64, 48));
+        auto seen = images.Next();
+        EXPECT_EQ(4u, seen.info.announced_buffers);
+        EXPECT_EQ(i, seen.info.frame_id);
+        ASSERT_TRUE(WaitForRequeue(4 + i));
+    }
+    CloseStream();
+    EXPECT_EQ(4u, producer->Count("DSRevokeBuffer"));
+}
+
+TEST_F(ImageStream, ABufferThatCannotBeQueuedEndsTheRing) {
+    producer->Refuse("DSQueueBuffer", GenTL::GC_ERR_BUSY, 3, 1);
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    EXPECT_EQ(3u, producer->Count("DSAnnounceBuffer"));
+    Deliver(image_frame(1, 64, 48));
+    EXPECT_EQ(2u, images.Next().info.announced_buffers);
+}
+
+TEST_F(ImageStream, NecessaryInfosThatFailSkipTheCallbackButNotTheQueue) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    producer->ForgetCalls();
+    std::size_t queued = 0;
+    for (BUFFER_INFO_CMD command : {0, 1, 10, 11}) {
+        auto frame = image_frame(7, 64, 48);
+        frame.infos[command] = scripted::refusal(GenTL::GC_ERR_NOT_AVAILABLE);
+        Deliver(frame);
+        EXPECT_TRUE(WaitForRequeue(++queued)) << command;
+        EXPECT_EQ(0u, images.Waiting()) << command;
+    }
+    for (BUFFER_INFO_CMD command : {3, 12, 13, 14, 16, 20}) {
+        auto frame = image_frame(8, 64, 48);
+        frame.infos[command] = scripted::refusal(GenTL::GC_ERR_NOT_IMPLEMENTED);
+        Deliver(frame);
+        EXPECT_EQ(64u, images.Next().info.width) << command;
+        EXPECT_TRUE(WaitForRequeue(++queued)) << command;
+    }
+}
+
+TEST_F(ImageStream, WithoutAPixelFormatImagesAreMono8) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    auto frame = image_frame(1, 64, 48);
+    frame.infos.erase(GenTL::BUFFER_INFO_PIXELFORMAT);
+    Deliver(frame);
+    EXPECT_EQ(0x01080001u, images.Next().info.pixel_type);
+}
+
+TEST_F(ImageStream, MemoryThatIsNotOfTheRingIsNeverHandedOut) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    producer->ForgetCalls();
+    static char elsewhere[buffer_size];
+    auto outside = image_frame(1, 64, 48);
+    outside.infos[GenTL::BUFFER_INFO_BASE] = scripted::number_info(GenTL::INFO_DATATYPE_PTR, &elsewhere[0]);
+    auto too_large = image_frame(2, 64, 48);
+    too_large.infos[GenTL::BUFFER_INFO_SIZE] = scripted::number_info<std::size_t>(GenTL::INFO_DATATYPE_SIZET, buffer_size + 1);
+    auto absurd = image_frame(3, 64, 48);
+    absurd.infos[GenTL::BUFFER_INFO_SIZE] = scripted::number_info<std::size_t>(GenTL::INFO_DATATYPE_SIZET, ~std::size_t{0});
+    std::size_t queued = 0;
+    for (auto* frame : {&outside, &too_large, &absurd}) {
+        Deliver(*frame);
+        EXPECT_TRUE(WaitForRequeue(++queued));
+        EXPECT_EQ(0u, images.Waiting());
+    }
+}
+
+TEST_F(ImageStream, AFailureOfTheStartGivesAHandleWithoutStream) {
+    struct {
+        const char* entry;
+        GenTL::GC_ERROR status;
+    } failures[] = {{"DevOpenDataStream", GenTL::GC_ERR_ACCESS_DENIED}, {"DevGetDataStreamID", GenTL::GC_ERR_NOT_IMPLEMENTED},
+                    {"DSAnnounceBuffer", GenTL::GC_ERR_OUT_OF_MEMORY},  {"DSQueueBuffer", GenTL::GC_ERR_BUSY},
+                    {"GCRegisterEvent", GenTL::GC_ERR_NOT_AVAILABLE},   {"DSStartAcquisition", GenTL::GC_ERR_INVALID_BUFFER}};
+    for (auto& failure : failures) {
+        producer->Refuse(failure.entry, failure.status);
+        EXPECT_STATUS(K_ST_INVALID_HANDLE, OpenStream()) << failure.entry;
+        producer->Accept(failure.entry);
+        ASSERT_NE(nullptr, stream) << failure.entry;
+        void* handle = this;
+        EXPECT_STATUS(K_ST_SUCCESS, K_Image_GetStreamHandle(stream, &handle));
+        EXPECT_EQ(nullptr, handle) << failure.entry;
+        EXPECT_EQ((std::vector<std::string>{"TL", "IF0", "CAM0"}), producer->OpenModules()) << failure.entry;
+        CloseStream();
+        EXPECT_EQ(0u, Register(scripted::reg::params_locked)) << failure.entry;
+    }
+}
+
+TEST_F(ImageStream, AStreamWithoutADescriptionOfItsOwnSaysSoAndStillRuns) {
+    {
+        std::lock_guard guard(producer->lock);
+        producer->FirstStream().port.urls = {"file:///no/such/stream.xml"};
+    }
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, OpenStream());
+    ASSERT_NE(nullptr, stream);
+    Deliver(image_frame(1, 64, 48));
+    EXPECT_EQ(1u, images.Next().info.frame_id);
+}
+
+TEST_F(ImageStream, StreamInfoCopiesTheSizeWhateverTheResult) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    std::uint64_t value = 0;
+    std::uint32_t size = sizeof value;
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_GetStreamInfo(stream, GenTL::STREAM_INFO_NUM_ANNOUNCED, &value, &size));
+    EXPECT_EQ(10u, value);
+    EXPECT_EQ(8u, size);
+    size = 77;
+    EXPECT_STATUS(K_ST_NOT_IMPLEMENTED, K_Image_GetStreamInfo(stream, 999, &value, &size));
+    EXPECT_EQ(77u, size);
+    char id[32];
+    size = sizeof id;
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_GetStreamInfo(stream, GenTL::STREAM_INFO_ID, id, &size));
+    EXPECT_STREQ("STREAM0", id);
+    EXPECT_EQ(8u, size);
+}
+
+TEST_F(ImageStream, LightStreamsTakeThePayloadSizeOfTheCamera) {
+    ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStreamLight(camera, 0, &stream));
+    EXPECT_EQ(320u * 240u, producer->CallsOf("DSAnnounceBuffer")[0].numbers[2]);
+}
+
+TEST_F(ImageStream, LightStreamsOfCamerasWithoutPayloadSizeAskForEmptyBuffers) {
+    CloseCamera();
+    std::string without = scripted::camera_description;
+    auto at = without.find("\"PayloadSize\"");
+    without.replace(at, 13, "\"NoPayloadSize\"");
+    {
+        std::lock_guard guard(producer->lock);
+        producer->FirstDevice().remote.Describe("Without.xml", without);
+    }
+    ASSERT_NO_FATAL_FAILURE(OpenCamera());
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_OpenStreamLight(camera, 0, &stream));
+    ASSERT_LT(0u, producer->Count("DSAnnounceBuffer"));
+    EXPECT_EQ(0u, producer->CallsOf("DSAnnounceBuffer")[0].numbers[2]);
+}
+
+TEST_F(ImageStream, ClosingTheCameraEndsItsStream) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    Deliver(image_frame(1, 64, 48));
+    images.Next();
+    CloseCamera();
+    EXPECT_EQ((std::vector<std::string>{"TL", "IF0"}), producer->OpenModules());
+    EXPECT_EQ((std::vector<std::string>{"DSClose", "DevClose"}), producer->Order({"DSClose", "DevClose"}));
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_CloseStream(stream)) << "the handle is the caller's and still closes";
+    stream = nullptr;
+}
+
+TEST_F(ImageStream, ClosingTheFactoryEndsItsStreams) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    CloseFactory();
+    camera = nullptr;
+    EXPECT_THAT(producer->OpenModules(), ::testing::IsEmpty());
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_CloseStream(stream));
+    stream = nullptr;
+}
+
+TEST_F(ImageStream, AnUnpluggedCameraEndsNothingButTheImages) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    Deliver(image_frame(1, 64, 48));
+    images.Next();
+    for (auto* entry : {"EventGetData", "GCReadPort", "GCWritePort", "DSStopAcquisition", "DSFlushQueue", "DSQueueBuffer"})
+        producer->Refuse(entry, GenTL::GC_ERR_IO);
+    producer->ForgetCalls();
+    EXPECT_TRUE(producer->WaitForCalls("EventGetData", 2)) << "the thread goes on asking";
+    auto gone = camera;
+    std::int64_t value = 0;
+    EXPECT_STATUS(K_ST_GC_ERROR, K_Camera_GetValueInt64(gone, "Counter", &value));
+    for (auto* entry : {"DSFlushQueue"}) producer->Accept(entry);
+    CloseStream();
+    CloseCamera();
+    EXPECT_EQ((std::vector<std::string>{"TL", "IF0"}), producer->OpenModules());
+}
+
+TEST_F(ImageStream, ImagesOfASlowCallbackAreNotLostWhileBuffersLast) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    for (std::uint64_t i = 1; i <= 10; ++i) producer->Deliver(producer->FirstStream(), image_frame(i, 64, 48));
+    for (std::uint64_t i = 1; i <= 10; ++i) EXPECT_EQ(i, images.Next().info.frame_id);
+}
+
+TEST_F(ImageStream, OpensAgainAfterClosing) {
+    for (std::uint64_t round = 1; round <= 3; ++round) {
+        ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+        Deliver(image_frame(round, 64, 48));
+        EXPECT_EQ(round, images.Next().info.frame_id);
+        CloseStream();
+    }
+}
+
+// ---- GigE Vision
+// -----------------------------------------------------------------------------------------------------------------
+
+TEST_F(ImageStreamGigE, TakesTheMulticastExtensionAndAsksTheProducersOwnInfo) {
+    ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStream(camera, 0, &images, reinterpret_cast<AnyFunction>(on_image_with_context),
+                                                   &stream, buffer_size, 9));
+    auto opened = producer->CallsOf("DevCreateDataStreamMc");
+    ASSERT_EQ(1u, opened.size());
+    EXPECT_EQ(0u, opened[0].numbers[1]);
+    EXPECT_EQ(9u, opened[0].numbers[2]);
+    EXPECT_EQ(0u, producer->Count("DevOpenDataStream"));
+    EXPECT_EQ(1u, producer->CallsOf("DSStartAcquisition")[0].numbers[1]) << "flags";
+    auto frame = image_frame(1, 64, 48);
+    frame.infos[1001] = scripted::number_info<std::uint32_t>(GenTL::INFO_DATATYPE_UINT32, 0xBEEF);
+    Deliver(frame);
+    EXPECT_EQ(0xBEEFu, images.Next().info.producer_specific);
+    ASSERT_TRUE(WaitForRequeue(11));
+    std::vector<std::uint64_t> order{0, 1, 20, 10, 11, 3, 1001, 12, 13, 14, 16};
+    auto asked = Asked();
+    asked.resize(std::min(asked.size(), order.size()));
+    EXPECT_EQ(order, asked);
+    for (auto& call : producer->CallsOf("DSGetBufferInfo")) EXPECT_EQ(call.numbers[2] == 1001 ? 4u : 8u, call.numbers[3]);
+}
+
+TEST_F(ImageStreamGigE, AProducerThatKnowsNoStartFlagIsStartedWithoutIt) {
+    for (GenTL::GC_ERROR status : {GenTL::GC_ERR_NOT_IMPLEMENTED, GenTL::GC_ERR_INVALID_PARAMETER}) {
+        producer->ForgetCalls();
+        producer->Refuse("DSStartAcquisition", status, 1, 1);
+        ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+        auto starts = producer->CallsOf("DSStartAcquisition");
+        ASSERT_EQ(2u, starts.size());
+        EXPECT_EQ(1u, starts[0].numbers[1]);
+        EXPECT_EQ(0u, starts[1].numbers[1]);
+        Deliver(image_frame(1, 64, 48));
+        EXPECT_EQ(1u, images.Next().info.frame_id);
+        CloseStream();
+    }
+}
+
+}  // namespace
+}  // namespace kiv_test
