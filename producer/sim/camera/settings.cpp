@@ -8,6 +8,7 @@ namespace kivsim {
 namespace {
 
 constexpr double kTickNs = 100;  // exposure, delays and timers count in 1/10 us
+constexpr double kFastestNs = 100'000;  // 10 kHz, as the description says
 constexpr uint32_t kNoiseBit = 1, kVignettingBit = 2, kBlurBit = 4;
 
 double factor_of_db(double hundredths) { return std::pow(10.0, hundredths / 2000.0); }
@@ -84,7 +85,7 @@ Timing read_timing(const RegisterFile& registers) {
     Timing timing;
     const double exposure = number(Reg::ExposureTicks) * kTickNs;
     const double readout = number(Reg::SensorLineTime) * number(Reg::Height) * number(Reg::BinningVertical);
-    double shortest = std::max({exposure, readout, 1000.0});
+    double shortest = std::max({exposure, readout, kFastestNs});
     if (number(Reg::ThroughputLimitMode) != 0) {
         const auto* format = find_pixel_format(static_cast<uint32_t>(registers.Uint(Reg::PixelFormat)));
         const auto pitch = format->LinePitch(static_cast<uint32_t>(registers.Uint(Reg::Width)));
