@@ -28,7 +28,8 @@ void check_config(const CameraConfig& config) {
                                  " x " + std::to_string(config.sensor_height) +
                                  " pixels is not possible: 64 to 8192, multiples of 8");
     if (!(config.max_frame_rate > 0 && config.max_frame_rate <= 10000))
-        throw std::runtime_error("simulated camera " + config.model + ": the frame rate must be more than 0 and at most 10000 Hz");
+        throw std::runtime_error("simulated camera " + config.model +
+                                 ": the frame rate must be more than 0 and at most 10000 Hz");
 }
 
 }  // namespace

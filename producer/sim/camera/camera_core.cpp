@@ -192,7 +192,7 @@ uint64_t CameraCore::Lines() {
     uint64_t lines = 0;
     for (uint32_t i = 0; i < 4; ++i) {
         const bool barrier = i == 0 && timing.part_ns != 0 && now % timing.part_ns < timing.part_ns / 2;
-        const bool high = i < 2 ? barrier : sources[registers_.Uint(Reg::LineSource, i)];
+        const bool high = i < 2 ? barrier : sources[registers_.Uint(Reg::LineSource, i) % std::size(sources)];
         lines |= uint64_t{high != (registers_.Uint(Reg::LineInverter, i) != 0)} << i;
     }
     return lines;

@@ -144,6 +144,8 @@ TEST_F(Description, RegistersLieWhereTheCameraHasThem) {
         const auto length = parent.child("Length").text().as_ullong();
         const auto* row = register_at(at);
         ASSERT_TRUE(row) << name;
+        const auto* own = find_register(name.ends_with("Reg") ? name.substr(0, name.size() - 3) : name);
+        EXPECT_TRUE(!own || own == row) << name << " shows " << row->name;
         const std::string kind = node.name(), access = parent.child_value("AccessMode");
         if (kind == "Register") continue;  // a block of many
         EXPECT_EQ(row->bytes, length) << name;

@@ -121,7 +121,7 @@ TEST_F(Images, MirroringTurnsTheWholeImage) {
     Set("Width", 100);
     Set("OffsetX", 20);
     const auto piece = Grab();
-    for (uint32_t x = 0; x < 100; ++x) ASSERT_EQ(turned.At(x + 20, 7), piece.At(x, 7));
+    for (uint32_t x = 0; x < 100; ++x) ASSERT_EQ(turned.At(x + 20, 80), piece.At(x, 80));
 }
 
 TEST_F(Images, BinningAveragesOrAdds) {
