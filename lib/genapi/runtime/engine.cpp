@@ -42,7 +42,7 @@ void Engine::Visit(uint32_t vertex, Effect effect) {
             nodes[vertex]->Forget();
             Announce(*nodes[vertex]);
         } else {
-            locations[vertex - nodes.size()]->ForgetAddress();
+            locations[vertex - nodes.size()]->Announced();
         }
         for (const auto edge : graph.From(vertex)) {
             if (edge.effect == static_cast<uint32_t>(Effect::Drops)) continue;
@@ -66,7 +66,7 @@ void Engine::Visit(uint32_t vertex, Effect effect) {
 void Engine::OutdateAll() {
     evaluator.tainted = true;
     for (auto* location : locations) {
-        location->ForgetAddress();
+        location->Announced();
         location->Drop();
     }
     for (auto* node : nodes) {

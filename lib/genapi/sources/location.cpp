@@ -61,22 +61,26 @@ std::span<const uint8_t> Location::Read(ECachingMode caching) {
     auto& evaluator = engine_.evaluator;
     const bool sameRange = seenAddress_ == address_ && SeenLength() == currentLength_;
     const bool isKept = sameRange && isValid_ && caching != NoCache && !evaluator.bypass;
-    if (isKept) return bytes_.All();
+    if (isKept) {
+        isReliedOn_ = true;
+        return bytes_.All();
+    }
     if (caching == NoCache) evaluator.tainted = true;
     if (sameRange && epoch_ == evaluator.epoch) return bytes_.All();  // this question has read it already
 
-    const bool wasKnown = sameRange && bytes_.Size() > 0;
+    const bool wasReliedOn = sameRange && isReliedOn_;
     const bool wasValid = sameRange && isValid_;
     Bytes fresh;
     fresh.Resize(static_cast<size_t>(currentLength_));
     isValid_ = false;
     port_.ReadBytes(fresh.All(), address_);
-    const bool differs = wasKnown && !std::ranges::equal(fresh.All(), bytes_.All());
+    const bool differs = wasReliedOn && !std::ranges::equal(fresh.All(), bytes_.All());
     std::swap(bytes_, fresh);
     seenAddress_ = address_;
     epoch_ = evaluator.epoch;
     isValid_ = wasValid || caching != NoCache;
-    if (differs) engine_.Changed(vertex_);  // others may have computed with what was there before
+    if (differs) engine_.Changed(vertex_);
+    isReliedOn_ = isValid_;
     isPlaced_ = isPlaced_ || IsFixed();
     return bytes_.All();
 }
@@ -114,7 +118,7 @@ void Location::Write(std::span<const uint8_t> bytes, ECachingMode caching) {
     spread();
     Keep(bytes);
     seenAddress_ = address;
-    isValid_ = caching == WriteThrough;
+    isReliedOn_ = isValid_ = caching == WriteThrough;
 }
 
 }  // namespace kiv::genapi

@@ -48,7 +48,8 @@ public:
     void Write(std::span<const uint8_t> bytes, GenApi::ECachingMode caching);
 
     bool IsFresh() const { return isValid_ && (isPlaced_ || IsFixed()); }
-    void ForgetAddress() { isPlaced_ = false; }
+    /// All that depends on the register has been told that it changes.
+    void Announced() { isPlaced_ = false, isReliedOn_ = false; }
     void Drop() { isValid_ = false, epoch_ = 0; }
     /// Where the bytes that are kept come from; for finding overlaps.
     int64_t SeenAddress() const { return seenAddress_; }
@@ -83,6 +84,7 @@ private:
     int64_t currentLength_ = 0;
     bool isPlaced_ = false;  // address_ and currentLength_ are true
     bool isValid_ = false;   // bytes_ are what the register holds
+    bool isReliedOn_ = false;  // somebody may keep what was computed from bytes_, and would not be told that they differ
     uint32_t vertex_;
     uint64_t epoch_ = 0;  // the question in which bytes_ were read
     int64_t seenAddress_ = 0;
