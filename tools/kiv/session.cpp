@@ -106,7 +106,8 @@ Factory::Factory(const std::string& registry) {
 }
 
 std::vector<std::string> Factory::FindCameras() {
-    check(K_Factory_UpdateCameraList(Get(), nullptr), "K_Factory_UpdateCameraList");
+    bool8_kiv changed = false;
+    check(K_Factory_UpdateCameraList(Get(), &changed), "K_Factory_UpdateCameraList");
     uint32_t count = 0;
     check(K_Factory_GetNumOfCameras(Get(), &count), "K_Factory_GetNumOfCameras");
     std::vector<std::string> ids;
