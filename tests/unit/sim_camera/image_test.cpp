@@ -1,5 +1,8 @@
 // What the settings do to the image.
 
+#include <png.h>
+#include <tiffio.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -391,6 +394,50 @@ TEST_F(Images, FilesArePlayedUnchangedInTheOrderOfTheirNames) {
     }
     EXPECT_EQ(std::byte{0}, *std::max_element(c.bytes.begin(), c.bytes.end())) << "a broken file is black";
     EXPECT_EQ(a.bytes, again.bytes);
+}
+
+TEST_F(Images, PngAndTiffArePlayedToo) {
+    std::filesystem::create_directories(folder / "play");
+    constexpr uint32_t width = 300, height = 100;  // smaller than the sensor: shown in the middle
+    std::vector<uint8_t> colors(width * height * 3);
+    for (size_t i = 0; i < colors.size(); ++i) colors[i] = static_cast<uint8_t>(i % 251);
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    png.width = width;
+    png.height = height;
+    png.format = PNG_FORMAT_RGB;
+    ASSERT_TRUE(png_image_write_to_file(&png, (folder / "play" / "1.png").c_str(), 0, colors.data(), 0, nullptr));
+    auto write_tiff = [&](const char* name, uint16_t samples, uint16_t bits, auto row_of_file) {
+        TIFF* tiff = TIFFOpen((folder / "play" / name).c_str(), "w");
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height);
+        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, samples);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, bits);
+        TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, samples == 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
+        for (uint32_t y = 0; y < height; ++y) TIFFWriteScanline(tiff, row_of_file(y), y, 0);
+        TIFFClose(tiff);
+    };
+    std::vector<uint16_t> deep(width * height);
+    for (size_t i = 0; i < deep.size(); ++i) deep[i] = static_cast<uint16_t>(i * 16);
+    write_tiff("2.tif", 3, 8, [&](uint32_t y) { return &colors[size_t{y} * width * 3]; });
+    write_tiff("3.TIFF", 1, 16, [&](uint32_t y) { return &deep[size_t{y} * width]; });
+
+    config.image_folder = (folder / "play").string();
+    config.color = true;
+    Open();
+    Set("PixelFormat", kRgb8);
+    Set("AcquisitionStart", 1);
+    const auto from_png = Take(), from_tiff = Take(), from_deep = Take();
+    EXPECT_EQ(from_png.bytes, from_tiff.bytes);
+    EXPECT_EQ(0U, from_png.Byte(0));
+    for (uint32_t y = 0; y < height; ++y) {
+        for (uint32_t x = 0; x < width; ++x) {
+            const size_t shown = (size_t{y + 70} * 320 + x + 10) * 3, file = size_t{y} * width + x;
+            for (size_t c = 0; c < 3; ++c) ASSERT_EQ(colors[file * 3 + c], from_png.Byte(shown + c)) << x << ", " << y;
+            ASSERT_NEAR(deep[file] / 257.0, from_deep.Byte(shown), 1.01);
+        }
+    }
 }
 
 }  // namespace
