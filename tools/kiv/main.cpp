@@ -20,10 +20,7 @@ constexpr const char* kFooter =
     "Exit codes: 0 ok, 1 an operation failed, 2 wrong command line, 3 no registry, producer or camera,\n"
     "            4 camera not found, ambiguous or in use, 5 incomplete grab, 130 interrupted";
 
-std::string version_text() {
-    return std::string("kiv ") + KIV_VERSION + " (library " + library_info(0) + ", " + library_info(1) + " " + library_info(2) +
-           ")";
-}
+std::string version_text() { return std::string("kiv ") + KIV_VERSION + " (library " + library_info(0) + ")"; }
 
 using AddCommand = void (*)(CLI::App&, Invocation&);
 constexpr std::array<AddCommand, 9> kCommands{add_list_command, add_info_command, add_features_command,
