@@ -41,10 +41,13 @@ int run(int argc, char** argv) {
     app.require_subcommand(1);
     Invocation invocation;
     for (const AddCommand add : kCommands) add(app, invocation);
+    if (argc < 2) return report(ExitCode::kUsage, ("which command?\n\n" + app.help()).c_str());
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& wrong) {
-        return app.exit(wrong) == 0 ? static_cast<int>(ExitCode::kOk) : static_cast<int>(ExitCode::kUsage);
+        if (wrong.get_exit_code() == 0) return app.exit(wrong);  // --help or --version: printed, and done
+        return report(ExitCode::kUsage,
+                      (std::string(wrong.what()) + "\n  \"kiv --help\" and \"kiv COMMAND --help\" tell more.").c_str());
     }
     return static_cast<int>(invocation.run());
 }
