@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "GenApi/i_port.h"
@@ -45,7 +46,7 @@ public:
     /// The bytes of `id` must be those of the description, neither fewer nor more.
     bool CheckChunkID(const uint8_t* id, int length) const;
     /// Compares as numbers.
-    bool CheckChunkID(uint64_t id) const;
+    bool CheckChunkID(uint64_t id) const { return idNumber_ == id; }
     int GetChunkIDLength() const { return static_cast<int>(chunkId_.size()); }
     EYesNo GetSwapEndianess() const { return swap_; }
 
@@ -63,11 +64,13 @@ public:
     CLock& GetLock() const;
 
 private:
+    void SetChunkID(std::vector<uint8_t> id);
     const uint8_t* Data() const;  // throws without a chunk
 
     INode* node_ = nullptr;
     IPortConstruct* port_ = nullptr;
     std::vector<uint8_t> chunkId_;
+    std::optional<uint64_t> idNumber_;
     bool idChanges_ = false;
     bool wantsCache_ = false;
     EYesNo swap_ = No;

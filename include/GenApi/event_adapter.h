@@ -29,7 +29,7 @@ public:
 
 private:
     struct EventNode {
-        std::vector<uint8_t> id;  // the most significant byte first
+        uint64_t id;
         INode* node;
     };
     INodeMap* map_ = nullptr;

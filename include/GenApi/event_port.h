@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "GenApi/i_port.h"
@@ -30,7 +31,7 @@ public:
     int GetEventIDLength() const { return static_cast<int>(eventId_.size()); }
     /// Compare as numbers, so that leading zeros do not matter; the bytes of `id` begin with the most significant one.
     bool CheckEventID(const uint8_t* id, int length) const;
-    bool CheckEventID(uint64_t id) const;
+    bool CheckEventID(uint64_t id) const { return idNumber_ == id; }
 
     /// Copies the message; what depends on the port is invalidated.
     void AttachEvent(const uint8_t* data, int64_t length);
@@ -53,6 +54,7 @@ private:
     INode* node_ = nullptr;
     IPortConstruct* port_ = nullptr;
     std::vector<uint8_t> eventId_;
+    std::optional<uint64_t> idNumber_;
     std::vector<uint8_t> data_;
     bool attached_ = false;
 };

@@ -32,6 +32,7 @@ CChunkPort::CChunkPort(INode* node) {
 CChunkPort::CChunkPort(const CChunkPort& other)
     : IPort(other),
       chunkId_(other.chunkId_),
+      idNumber_(other.idNumber_),
       swap_(other.swap_),
       base_(other.base_),
       offset_(other.offset_),
@@ -43,6 +44,7 @@ CChunkPort& CChunkPort::operator=(const CChunkPort& other) {
     if (this == &other) return *this;
     DetachPort();
     chunkId_ = other.chunkId_;
+    idNumber_ = other.idNumber_;
     swap_ = other.swap_;
     base_ = other.base_;
     offset_ = other.offset_;
@@ -72,7 +74,7 @@ bool CChunkPort::AttachPort(INode* node) {
 
     node_ = node;
     port_ = port;
-    chunkId_ = std::move(id);
+    SetChunkID(std::move(id));
     idChanges_ = idChanges;
     wantsCache_ = chunk->CacheChunkData() == Yes;
     swap_ = port->GetSwapEndianess();
@@ -90,12 +92,17 @@ void CChunkPort::DetachPort() {
     DropCache();
 }
 
+void CChunkPort::SetChunkID(std::vector<uint8_t> id) {
+    idNumber_ = kiv::genapi::id_number(id);
+    chunkId_ = std::move(id);
+}
+
 void CChunkPort::RefreshChunkID() {
     if (!idChanges_) return;
     try {
-        chunkId_ = kiv::genapi::id_bytes(dynamic_cast<IChunkPort&>(*node_).GetChunkID());
+        SetChunkID(kiv::genapi::id_bytes(dynamic_cast<IChunkPort&>(*node_).GetChunkID()));
     } catch (const GenICam::GenericException&) {  // an id that cannot be read is that of no chunk
-        chunkId_.clear();
+        SetChunkID({});
     }
 }
 
@@ -152,8 +159,6 @@ bool CChunkPort::CheckChunkID(const uint8_t* id, int length) const {
     if (!id || length <= 0 || chunkId_.empty()) return false;
     return std::ranges::equal(chunkId_, std::span(id, static_cast<size_t>(length)));
 }
-
-bool CChunkPort::CheckChunkID(uint64_t id) const { return kiv::genapi::is_id(chunkId_, id); }
 
 EAccessMode CChunkPort::GetAccessMode() const { return HasData() ? RO : NA; }
 

@@ -32,11 +32,11 @@ void CEventAdapter::AttachNodeMap(INodeMap* map) {
     NodeList_t all;
     map->GetNodes(all);
     for (INode* node : all) {
-        const std::vector<uint8_t> id = kiv::genapi::id_bytes(node->GetEventID());
-        if (id.empty()) continue;
+        const std::optional<uint64_t> id = kiv::genapi::id_number(kiv::genapi::id_bytes(node->GetEventID()));
+        if (!id) continue;
         if (ports_.emplace_back().AttachNode(node)) continue;
         ports_.pop_back();
-        nodes_.push_back({id, node});
+        nodes_.push_back({*id, node});
     }
 }
 
@@ -57,7 +57,7 @@ void CEventAdapter::DeliverEvent(const uint8_t* data, uint32_t length, uint64_t 
     for (CEventPort& port : ports_)
         if (port.CheckEventID(id)) port.InvalidateNode();
     for (const EventNode& node : nodes_)
-        if (kiv::genapi::is_id(node.id, id)) node.node->InvalidateNode();
+        if (node.id == id) node.node->InvalidateNode();
 }
 
 }  // namespace GenApi

@@ -15,12 +15,13 @@ CEventPort::CEventPort(INode* node) {
 }
 
 CEventPort::CEventPort(const CEventPort& other)
-    : IPort(other), eventId_(other.eventId_), data_(other.data_), attached_(other.attached_) {}
+    : IPort(other), eventId_(other.eventId_), idNumber_(other.idNumber_), data_(other.data_), attached_(other.attached_) {}
 
 CEventPort& CEventPort::operator=(const CEventPort& other) {
     if (this == &other) return *this;
     DetachNode();
     eventId_ = other.eventId_;
+    idNumber_ = other.idNumber_;
     data_ = other.data_;
     attached_ = other.attached_;
     return *this;
@@ -41,6 +42,7 @@ bool CEventPort::AttachNode(INode* node) {
     if (id.empty()) return false;
     node_ = node;
     port_ = port;
+    idNumber_ = kiv::genapi::id_number(id);
     eventId_ = std::move(id);
     port->SetPortImpl(this);
     return true;
@@ -59,8 +61,6 @@ bool CEventPort::CheckEventID(const uint8_t* id, int length) const {
     if (!id || length <= 0) return false;
     return kiv::genapi::is_same_id(eventId_, {id, static_cast<size_t>(length)});
 }
-
-bool CEventPort::CheckEventID(uint64_t id) const { return kiv::genapi::is_id(eventId_, id); }
 
 void CEventPort::StoreEvent(const uint8_t* data, int64_t length) {
     if (length < 0 || (!data && length > 0)) throw GenICam::InvalidArgumentException("An event without its data.");

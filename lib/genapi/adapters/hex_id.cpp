@@ -28,13 +28,12 @@ std::vector<uint8_t> id_bytes(std::string_view hexText) {
     return bytes;
 }
 
-bool is_id(std::span<const uint8_t> bytes, uint64_t id) {
-    if (bytes.empty()) return false;
-    std::span<const uint8_t> digits = without_leading_zeros(bytes);
-    if (digits.size() > sizeof id) return false;
+std::optional<uint64_t> id_number(std::span<const uint8_t> bytes) {
+    const std::span<const uint8_t> digits = without_leading_zeros(bytes);
     uint64_t value = 0;
+    if (bytes.empty() || digits.size() > sizeof value) return std::nullopt;
     for (uint8_t digit : digits) value = value << 8 | digit;
-    return value == id;
+    return value;
 }
 
 bool is_same_id(std::span<const uint8_t> a, std::span<const uint8_t> b) {
