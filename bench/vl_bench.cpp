@@ -11,6 +11,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "files/png_file.h"
+#include "files/tiff_file.h"
 #include "format/pixel_format.h"
 #include "unpack/unpack.h"
 
@@ -111,6 +113,22 @@ void unpack_then_demosaic(benchmark::State& state) {
     count_pixels(state);
 }
 
+// A slope with some noise, as a camera sees a wall: pure noise would not compress at all.
+void encode(benchmark::State& state, kiv::vl::EncodedFile (*encoder)(const kiv::vl::Image&, int), std::uint64_t type,
+            int compression) {
+    kiv::vl::Image image(width, height, type);
+    std::mt19937 random(1);
+    for (std::uint32_t y = 0; y < height; ++y) {
+        std::uint8_t* line = image.Line(y);
+        for (std::size_t i = 0; i < image.Stride(); ++i)
+            line[i] = static_cast<std::uint8_t>(i * 200 / image.Stride() + random() % 4);
+    }
+    std::size_t bytes = 0;
+    for (auto _ : state) bytes = encoder(image, compression).size();
+    state.counters["MB"] = static_cast<double>(bytes) / 1e6;
+    count_pixels(state);
+}
+
 BENCHMARK(memcpy_of_16_bit_output);
 BENCHMARK_CAPTURE(unpack, mono12p, mono12p, false);
 BENCHMARK_CAPTURE(unpack, mono12packed, mono12packed, false);
@@ -124,6 +142,10 @@ BENCHMARK(unpack_then_demosaic);
 BENCHMARK_CAPTURE(convert, bayer_rg12p_to_bgr8, bayer_rg12p, VL_IMAGE_BGR8);
 BENCHMARK_CAPTURE(convert, bayer_rg12p_to_bgr16, bayer_rg12p, VL_IMAGE_BGR16);
 BENCHMARK_CAPTURE(convert, mono12p_to_mono16, mono12p, VL_IMAGE_MONO16);
+BENCHMARK_CAPTURE(encode, png_mono8_fast, kiv::vl::encode_png, VL_IMAGE_MONO8, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(encode, png_mono8_small, kiv::vl::encode_png, VL_IMAGE_MONO8, 9)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(encode, png_bgr8_fast, kiv::vl::encode_png, VL_IMAGE_BGR8, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(encode, tiff_bgr8, kiv::vl::encode_tiff, VL_IMAGE_BGR8, 0)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -15,11 +15,11 @@ using GenICam::gcstring;
 using GenICam::gcstring_vector;
 using GenICam::Version_t;
 
-enum EAccessMode { NI = 0, NA = 1, WO = 2, RO = 3, RW = 4, _UndefinedAccesMode = 5, _CycleDetectAccesMode = 6 };
-enum EVisibility { Beginner = 0, Expert = 1, Guru = 2, Invisible = 3, _UndefinedVisibility = 99 };
-enum ECachingMode { NoCache = 0, WriteThrough = 1, WriteAround = 2, _UndefinedCachingMode = 3 };
-enum ENameSpace { Custom = 0, Standard = 1, _UndefinedNameSpace = 2 };
-enum ERepresentation {
+enum EAccessMode : int { NI = 0, NA = 1, WO = 2, RO = 3, RW = 4, _UndefinedAccesMode = 5, _CycleDetectAccesMode = 6 };
+enum EVisibility : int { Beginner = 0, Expert = 1, Guru = 2, Invisible = 3, _UndefinedVisibility = 99 };
+enum ECachingMode : int { NoCache = 0, WriteThrough = 1, WriteAround = 2, _UndefinedCachingMode = 3 };
+enum ENameSpace : int { Custom = 0, Standard = 1, _UndefinedNameSpace = 2 };
+enum ERepresentation : int {
     Linear = 0,
     Logarithmic = 1,
     Boolean = 2,
@@ -29,14 +29,14 @@ enum ERepresentation {
     MACAddress = 6,
     _UndefinedRepresentation = 7
 };
-enum EDisplayNotation { fnAutomatic = 0, fnFixed = 1, fnScientific = 2, _UndefinedEDisplayNotation = 3 };
-enum EYesNo { No = 0, Yes = 1, _UndefinedYesNo = 2 };
-enum ESign { Signed = 0, Unsigned = 1, _UndefinedSign = 2 };
-enum EEndianess { BigEndian = 0, LittleEndian = 1, _UndefinedEndian = 2 };
-enum EStandardNameSpace { None = 0, GEV = 1, IIDC = 2, CL = 3, USB = 4, _UndefinedStandardNameSpace = 5 };
-enum EIncMode { noIncrement = 0, fixedIncrement = 1, listIncrement = 2 };
-enum ESlope { Increasing = 0, Decreasing = 1, Varying = 2, Automatic = 3, _UndefinedESlope = 4 };
-enum ELinkType {
+enum EDisplayNotation : int { fnAutomatic = 0, fnFixed = 1, fnScientific = 2, _UndefinedEDisplayNotation = 3 };
+enum EYesNo : int { No = 0, Yes = 1, _UndefinedYesNo = 2 };
+enum ESign : int { Signed = 0, Unsigned = 1, _UndefinedSign = 2 };
+enum EEndianess : int { BigEndian = 0, LittleEndian = 1, _UndefinedEndian = 2 };
+enum EStandardNameSpace : int { None = 0, GEV = 1, IIDC = 2, CL = 3, USB = 4, _UndefinedStandardNameSpace = 5 };
+enum EIncMode : int { noIncrement = 0, fixedIncrement = 1, listIncrement = 2 };
+enum ESlope : int { Increasing = 0, Decreasing = 1, Varying = 2, Automatic = 3, _UndefinedESlope = 4 };
+enum ELinkType : int {
     ctAllDependingNodes = 0,  ///< Everything that becomes invalid with the node.
     ctAllTerminalNodes = 1,   ///< The registers and stored values that the node may write.
     ctInvalidators = 2,       ///< What the node names as its invalidators.
@@ -44,7 +44,7 @@ enum ELinkType {
     ctWritingChildren = 4,    ///< What a write to it may write.
     ctDependingChildren = 5   ///< The direct dependants.
 };
-enum EInterfaceType {
+enum EInterfaceType : int {
     intfIValue = 0,
     intfIBase = 1,
     intfIInteger = 2,
@@ -58,7 +58,7 @@ enum EInterfaceType {
     intfIEnumEntry = 10,
     intfIPort = 11
 };
-enum ECallbackType {
+enum ECallbackType : int {
     cbPostInsideLock = 1,  ///< At the end of the operation that changed something, the map still locked.
     cbPostOutsideLock = 2  ///< After the outermost operation has released the map.
 };

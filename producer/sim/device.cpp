@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "camera/register_file.h"
 #include "interface.h"
 #include "kiv/platform/paths.h"
 #include "session.h"
@@ -33,8 +34,9 @@ CameraIdentity camera_identity(Camera& camera) {
 }
 
 CameraIdentity camera_identity(const CameraEntry& entry) {
-    Camera camera(entry.camera);
-    return camera_identity(camera);
+    // A whole camera would prepare its description and its sensor, too, only to be asked for its name.
+    const RegisterFile registers(entry.camera);
+    return {registers.Text(Reg::ManufacturerName), registers.Text(Reg::DeviceVersion), registers.Text(Reg::UserDefinedName)};
 }
 
 bool is_unplugged(const CameraEntry& entry) {

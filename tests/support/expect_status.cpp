@@ -51,4 +51,15 @@ K_GC_ERROR_INFO last_genicam_error() {
     return failure;
 }
 
+::testing::AssertionResult is_genicam_error(const char*, const char*, const char* call_text, const std::string& description,
+                                            const std::string& node, K_STATUS_CODES seen) {
+    auto record = last_genicam_error();
+    if (seen == K_ST_GC_ERROR && std::string(record.sDescription).find(description) != std::string::npos &&
+        node == record.sNodeName)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << call_text << "\n  returned " << status_name(seen) << " with \"" << record.sDescription
+                                         << "\" of node '" << record.sNodeName << "'\n  instead of K_ST_GC_ERROR with \""
+                                         << description << "\" of node '" << node << "'";
+}
+
 }  // namespace kiv_test

@@ -1,6 +1,8 @@
 #include "feature.h"
 
 #include <array>
+#include <cmath>
+#include <limits>
 
 #include "error.h"
 #include "text.h"
@@ -46,6 +48,7 @@ void read_value(const Node& node, Feature& feature) {
             break;
         case Kind::kBoolean:
             feature.value = node.Integer() != 0;
+            feature.text = feature.value ? "true" : "false";
             break;
         default:
             feature.value = feature.text;
@@ -54,6 +57,26 @@ void read_value(const Node& node, Feature& feature) {
 }
 
 bool has_value(Kind kind) { return kind != Kind::kCategory && kind != Kind::kCommand && kind != Kind::kOther; }
+
+/// The ends of the number types stand for "no limit": nothing to read there.
+bool is_no_limit(const Json& number) {
+    if (!number.is_number_float())
+        return number == std::numeric_limits<int64_t>::min() || number == std::numeric_limits<int64_t>::max();
+    return std::abs(number.get<double>()) >= static_cast<double>(std::numeric_limits<float>::max());
+}
+
+std::string limit_for_reading(const Json& number) {
+    if (is_no_limit(number)) return {};
+    return number.is_number_float() ? short_number(number.get<double>()) : number.dump();
+}
+
+/// Registers may be thousands of bytes long.
+std::string shortened(const std::string& text) {
+    constexpr std::size_t kLongest = 66;
+    const std::string safe = printable(text);
+    if (safe.size() <= kLongest) return safe;
+    return safe.substr(0, kLongest / 2) + "... (" + counted((safe.size() - 2) / 2, "byte") + ")";
+}
 
 Json entry_json(const EnumEntry& entry) {
     return {{"name", entry.name}, {"display_name", entry.display_name}, {"value", entry.value}, {"available", entry.available}};
@@ -107,16 +130,17 @@ std::string value_for_reading(const Feature& feature) {
     if (feature.access == 1) return "(not available)";
     if (feature.kind == Kind::kCommand) return "(command)";
     if (feature.access == 2) return "(write only)";
+    if (feature.kind == Kind::kRegister) return shortened(feature.text);
     const std::string text = feature.kind == Kind::kFloat ? short_number(feature.value.get<double>()) : printable(feature.text);
     return feature.unit.empty() ? text : text + " " + printable(feature.unit);
 }
 
 std::string range_for_reading(const Feature& feature) {
     if (feature.min.is_null() || feature.max.is_null()) return {};
-    const auto number = [](const Json& json) { return json.is_number_float() ? short_number(json.get<double>()) : json.dump(); };
-    std::string range = number(feature.min) + " .. " + number(feature.max);
     const bool every_step = feature.inc.is_null() || feature.inc == 1;
-    return every_step ? range : range + " step " + number(feature.inc);
+    const std::string min = limit_for_reading(feature.min), max = limit_for_reading(feature.max);
+    const std::string range = min.empty() && max.empty() ? "" : min + " .. " + max;
+    return every_step ? range : range + (range.empty() ? "" : " ") + "step " + limit_for_reading(feature.inc);
 }
 
 std::string json_text(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"; }

@@ -14,7 +14,8 @@ namespace {
 
 constexpr const char* kFooter =
     "NAME is a category, of which the features are shown, or a feature, which is explained.\n"
-    "Columns: name, access (RO read only, RW, WO write only, NA not available at present), value, range or entries.\n"
+    "Columns: name, access (RO read only, RW, WO write only, NA not available at present), value, and of what can be set\n"
+    "the range or the entries.\n"
     "\n"
     "Examples:\n"
     "  kiv features 0\n"
@@ -82,6 +83,8 @@ constexpr std::size_t kIndent = 2;
 /// What may be set: the range, or the entries in as many lines as they need.
 std::vector<std::string> choices(const Feature& feature, bool all) {
     const std::size_t used = kNameWidth + kValueWidth + 8;
+    const bool is_settable = feature.access == 2 || feature.access == 4;
+    if (!is_settable && !all) return {""};
     std::vector<std::string> names;
     for (const EnumEntry& entry : feature.entries)
         if (entry.available || all) names.push_back(printable(entry.name) + (entry.available ? "" : " (not available)"));

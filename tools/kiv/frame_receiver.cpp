@@ -20,7 +20,7 @@ void FrameReceiver::OnImage(void* context, K_IMAGE_INFO* image) noexcept {
 
 void FrameReceiver::Expect() {
     const std::lock_guard lock(mutex_);
-    state_.last_sign_of_life = Clock::now();
+    state_.last_image = Clock::now();
 }
 
 bool FrameReceiver::WaitForEnd(std::chrono::milliseconds time) const {
@@ -31,7 +31,7 @@ bool FrameReceiver::WaitForEnd(std::chrono::milliseconds time) const {
 Reception FrameReceiver::State() const {
     const std::lock_guard lock(mutex_);
     Reception state = state_;
-    if (delivering_) state.last_sign_of_life = Clock::now();
+    if (delivering_) state.last_image = Clock::now();
     return state;
 }
 
@@ -50,8 +50,6 @@ void FrameReceiver::Take(const K_IMAGE_INFO& image) {
 std::optional<FrameReceiver::Ticket> FrameReceiver::Enter(const K_IMAGE_INFO& image) {
     const std::lock_guard lock(mutex_);
     if (IsFinished() || (wanted_ != 0 && entered_ == wanted_)) return std::nullopt;
-    const Clock::time_point now = Clock::now();
-    state_.last_sign_of_life = now;
     CountMissing(image.frame_id);
     uint64_t bytes = 0;
     const VL_STATUS size_known = vlGetRawSize(&image, &bytes);
@@ -62,6 +60,7 @@ std::optional<FrameReceiver::Ticket> FrameReceiver::Enter(const K_IMAGE_INFO& im
         ++state_.incomplete;
         return std::nullopt;
     }
+    const Clock::time_point now = Clock::now();
     if (!state_.first) state_.first = now;
     state_.last = now;
     state_.width = image.width;
@@ -81,7 +80,7 @@ void FrameReceiver::Leave(uint64_t queued_bytes) {
     const std::lock_guard lock(mutex_);
     state_.frames += queued_bytes != 0 ? 1 : 0;
     state_.bytes += queued_bytes;
-    state_.last_sign_of_life = Clock::now();
+    state_.last_image = Clock::now();
     delivering_ = false;
     if (IsFinished()) ended_.notify_all();
 }

@@ -21,9 +21,9 @@ struct Reception {
     uint64_t missing = 0;     ///< frame ids that were skipped between the first and the last of them
     uint64_t incomplete = 0;  ///< images that their buffer does not hold whole: not taken
     std::optional<Clock::time_point> first, last;
-    Clock::time_point last_sign_of_life;  ///< of the camera: does not run while the queue holds the stream up
-    std::string failure;                  ///< why the reception ended early, if it did
-    uint32_t width = 0, height = 0;       ///< of the last image
+    Clock::time_point last_image;    ///< when a whole one was last taken; now, while the queue holds the stream up
+    std::string failure;             ///< why the reception ended early, if it did
+    uint32_t width = 0, height = 0;  ///< of the last image
     uint64_t pixel_type = 0;
 };
 

@@ -127,9 +127,11 @@ private:
                 report.ending = Ending::kInterrupted;
                 return;
             }
-            if (Clock::now() - state.last_sign_of_life <= timeout_) continue;
+            if (Clock::now() - state.last_image <= timeout_) continue;
             report.ending = Ending::kTimeout;
-            report.failure = "no image came for " + short_number(timeout_.count()) + " s" + hints(camera_);
+            report.failure = "no image came for " + short_number(timeout_.count()) + " s";
+            if (state.incomplete != 0) report.failure += ", only " + counted(state.incomplete, "incomplete one");
+            report.failure += hints(camera_);
             return;
         }
     }

@@ -28,6 +28,23 @@ void require_registry(const std::string& path) {
                    failure_text(status, "K_Registry_Open", path) + (reason.empty() ? "" : "\n  " + printable(reason)), status);
 }
 
+/// What the library tells its debugger output while this object lives: it knows more than a status can say.
+class DebugCapture {
+public:
+    DebugCapture() { K_SetDebugOutput(Add, this); }
+    ~DebugCapture() { K_SetDebugOutput(nullptr, nullptr); }
+    DebugCapture(const DebugCapture&) = delete;
+    DebugCapture& operator=(const DebugCapture&) = delete;
+
+    /// Empty, or a line below a message.
+    std::string Line() const { return text_.empty() ? "" : "\n  " + printable(text_.substr(0, text_.find('\n'))); }
+
+private:
+    static void K_CALL Add(void* context, const char* text) { static_cast<DebugCapture*>(context)->text_ += text; }
+
+    std::string text_;
+};
+
 ExitCode exit_of_open(K_STATUS_CODES status) {
     switch (status) {
         case K_ST_ACCESS_DENIED:
@@ -76,24 +93,21 @@ std::string read_text(const TextCall& read, std::string_view call, std::string_v
 Factory::Factory(const std::string& registry) {
     require_registry(registry);
     FACTORY_HANDLE raw = nullptr;
+    const DebugCapture said;
     const K_STATUS_CODES status = K_Factory_Open(registry.c_str(), &raw);
     handle_.reset(raw);
+    const std::string failed = failure_text(status, "K_Factory_Open", registry);
     if (status == K_ST_NO_DATA)
-        throw ApiError(
-            ExitCode::kNothingFound,
-            failure_text(status, "K_Factory_Open", registry) +
-                "\n  The registry file lists no producer or cannot be read. docs/registry-file.md tells how to write one.",
-            status);
+        throw ApiError(ExitCode::kNothingFound,
+                       failed + "\n  The registry file lists no producer or cannot be read." + said.Line(), status);
     if (status == K_ST_INVALID_PARAMETER)
-        throw ApiError(
-            ExitCode::kNothingFound,
-            failure_text(status, "K_Factory_Open", registry) + "\n  No registry file was found; name one with --registry.",
-            status);
+        throw ApiError(ExitCode::kNothingFound, failed + "\n  No registry file was found; name one with --registry.", status);
     check(status, "K_Factory_Open", registry);
 }
 
 std::vector<std::string> Factory::FindCameras() {
-    check(K_Factory_UpdateCameraList(Get(), nullptr), "K_Factory_UpdateCameraList");
+    bool8_kiv changed = false;
+    check(K_Factory_UpdateCameraList(Get(), &changed), "K_Factory_UpdateCameraList");
     uint32_t count = 0;
     check(K_Factory_GetNumOfCameras(Get(), &count), "K_Factory_GetNumOfCameras");
     std::vector<std::string> ids;

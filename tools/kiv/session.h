@@ -82,5 +82,5 @@ private:
     std::unique_ptr<K_THREAD, Closer<K_Image_CloseStream>> handle_;
 };
 
-/// Version, build date, build time, maker of the library: K_Factory_GetInfo.
+/// A fact about the library by its number in K_Factory_GetInfo; 0 is the version.
 std::string library_info(uint32_t what);

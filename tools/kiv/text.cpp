@@ -71,12 +71,14 @@ std::vector<std::string> wrapped(const std::vector<std::string>& words, std::str
         if (!lines.back().empty() && character_count(lines.back()) + character_count(words[i]) > width) lines.emplace_back();
         lines.back() += word;
     }
+    for (std::string& line : lines) line.erase(line.find_last_not_of(' ') + 1);
     return lines;
 }
 
 std::vector<std::string> similar_names(std::string_view wanted, const std::vector<std::string>& candidates) {
     const std::string needle = lower(wanted);
-    const std::size_t limit = std::max<std::size_t>(1, needle.size() / 4);
+    const std::size_t limit =
+        needle.size() < 4 ? 1 : std::max<std::size_t>(2, needle.size() / 4);  // two letters swapped are two edits
     std::vector<std::pair<std::size_t, std::string>> near;
     for (const std::string& candidate : candidates) {
         const std::size_t distance = edit_distance(needle, lower(candidate));

@@ -106,6 +106,12 @@ private:
     bool moves_ = false;
 };
 
+/// What only passes on the value of a selector counts as a selector, too; in a set it would be the same digit twice.
+bool says_what_it_selects(const INode& node) {
+    gcstring selected, attributes;
+    return node.GetProperty("pSelected", selected, attributes);
+}
+
 /// Selectors before what they select; each once, also where they select each other.
 void collect(INode* node, std::vector<INode*>& visited, std::vector<Digit>& digits) {
     auto* selected = dynamic_cast<ISelector*>(node);
@@ -114,7 +120,8 @@ void collect(INode* node, std::vector<INode*>& visited, std::vector<Digit>& digi
     selected->GetSelectingFeatures(selectors);
     for (IValue* selector : selectors) {
         INode* at = selector->GetNode();
-        if (visited.size() > mostSelectors || std::ranges::find(visited, at) != visited.end()) continue;
+        if (!says_what_it_selects(*at) || visited.size() > mostSelectors) continue;
+        if (std::ranges::find(visited, at) != visited.end()) continue;
         visited.push_back(at);
         collect(at, visited, digits);
         digits.emplace_back(*selector);

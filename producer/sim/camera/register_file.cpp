@@ -69,8 +69,7 @@ RegisterFile::RegisterFile(const CameraConfig& config)
     auto& head = Head();
     const bool known = head.magic == kMagic && head.camera == hash_of(config) && head.switched_on <= machine_time_ns();
     if (!known) {
-        for (uint32_t copy = 0; copy <= kUserSets; ++copy) std::ranges::copy(initial_, Store(copy).begin());
-        SwitchOn();
+        Forget();
         head.camera = hash_of(config);
         head.magic = kMagic;
     }
@@ -119,6 +118,11 @@ void RegisterFile::SetText(Reg reg, std::string_view text, uint32_t index) {
     const auto bytes = Element(reg, index);
     std::ranges::fill(bytes, std::byte{0});
     std::memcpy(bytes.data(), text.data(), std::min(text.size(), bytes.size()));
+}
+
+void RegisterFile::Forget() {
+    for (uint32_t copy = 0; copy <= kUserSets; ++copy) std::ranges::copy(initial_, Store(copy).begin());
+    SwitchOn();
 }
 
 void RegisterFile::PowerCycle() {

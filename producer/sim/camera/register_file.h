@@ -32,6 +32,8 @@ public:
     void SetFloat(Reg reg, float value);
     void SetText(Reg reg, std::string_view text, uint32_t index = 0);
 
+    /// Everything as it was when the camera was new, the user sets too.
+    void Forget();
     /// Off and on again: initial values in all that does not last, then the user set of UserSetDefault; the clock starts at 0.
     void PowerCycle();
     /// Set 0 holds the initial values; it cannot be saved.

@@ -114,7 +114,7 @@
     /* lines: 0 light barrier, 1 free input, 2 and 3 outputs */ \
     X(LineMode,                0x20600, Uint,  4,  4, RO, kIdentity,            0, 0, 0) \
     X(LineInverter,            0x20610, Uint,  4,  4, RW, kUserSet,             0, 0, 1) \
-    X(LineSource,              0x20620, Uint,  4,  4, RW, kUserSet,             0, 0, 8) \
+    X(LineSource,              0x20620, Uint,  4,  4, RW, kUserSet,             0, 0, 7) \
     X(LineFormat,              0x20630, Uint,  4,  4, RO, kIdentity,            0, 0, 0) \
     X(LineStatusAll,           0x20640, Uint,  4,  1, RO, kComputed,            0, 0, 0) \
     X(UserOutputs,             0x20644, Uint,  4,  1, RW, kUserSet,             0, 0, 3) \

@@ -74,12 +74,31 @@ void fit(RegisterFile& registers, Reg size, Reg offset, uint32_t largest) {
     registers.SetUint(offset, std::min<uint64_t>(registers.Uint(offset), largest - fitted));
 }
 
+bool every_value(const RegisterFile& registers, bool (*good)(const RegisterFile&, Reg, uint32_t, std::span<const std::byte>)) {
+    for (uint16_t i = 0; i < static_cast<uint16_t>(Reg::Count); ++i) {
+        const auto reg = static_cast<Reg>(i);
+        const auto& row = row_of(reg);
+        if (row.access == Access::RO) continue;
+        for (uint32_t element = 0; element < row.count; ++element)
+            if (!good(registers, reg, element, registers.Element(reg, element))) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 bool takes_value(const RegisterFile& registers, Reg reg, uint32_t index, std::span<const std::byte> bytes) {
     if (!in_range(row_of(reg), bytes)) return false;
     const auto* rule = std::ranges::find(kRules, reg, &Rule::reg);
     return rule == std::end(kRules) || rule->takes(registers, index, uint_of(bytes));
+}
+
+bool all_values_valid(const RegisterFile& registers) {
+    // ranges first: the rules divide by some of these values
+    auto ranged = [](const RegisterFile&, Reg reg, uint32_t, std::span<const std::byte> bytes) {
+        return in_range(row_of(reg), bytes);
+    };
+    return every_value(registers, ranged) && every_value(registers, takes_value);
 }
 
 void fit_region(RegisterFile& registers) {

@@ -7,7 +7,8 @@
 namespace kivsim {
 namespace {
 
-constexpr double kTickNs = 100;  // exposure, delays and timers count in 1/10 us
+constexpr double kTickNs = 100;         // exposure, delays and timers count in 1/10 us
+constexpr double kFastestNs = 100'000;  // 10 kHz, as the description says
 constexpr uint32_t kNoiseBit = 1, kVignettingBit = 2, kBlurBit = 4;
 
 double factor_of_db(double hundredths) { return std::pow(10.0, hundredths / 2000.0); }
@@ -31,6 +32,14 @@ void read_luts(const RegisterFile& registers, ImageSettings& settings) {
     std::memcpy(settings.luts.data(), registers.Bytes(Reg::Lut).data(), settings.luts.size() * sizeof(uint16_t));
 }
 
+uint32_t widest(uint32_t sensor, uint32_t binning) { return sensor / binning & ~3U; }
+uint32_t highest(uint32_t sensor, uint32_t binning) { return sensor / binning & ~1U; }
+
+const PixelFormatRow* format_of(const RegisterFile& registers) {
+    const auto* format = find_pixel_format(static_cast<uint32_t>(registers.Uint(Reg::PixelFormat)));
+    return format ? format : pixel_formats().data();
+}
+
 TriggerSettings read_trigger(const RegisterFile& registers, uint32_t index) {
     return {registers.Uint(Reg::TriggerMode, index) != 0, static_cast<uint32_t>(registers.Uint(Reg::TriggerSource, index)),
             static_cast<uint32_t>(registers.Uint(Reg::TriggerActivation, index)),
@@ -40,31 +49,37 @@ TriggerSettings read_trigger(const RegisterFile& registers, uint32_t index) {
 }  // namespace
 
 uint32_t width_max(const RegisterFile& registers) {
-    return static_cast<uint32_t>(registers.Uint(Reg::SensorWidth) / registers.Uint(Reg::BinningHorizontal)) & ~3U;
+    return widest(static_cast<uint32_t>(registers.Uint(Reg::SensorWidth)),
+                  static_cast<uint32_t>(registers.Uint(Reg::BinningHorizontal)));
 }
 
 uint32_t height_max(const RegisterFile& registers) {
-    return static_cast<uint32_t>(registers.Uint(Reg::SensorHeight) / registers.Uint(Reg::BinningVertical)) & ~1U;
+    return highest(static_cast<uint32_t>(registers.Uint(Reg::SensorHeight)),
+                   static_cast<uint32_t>(registers.Uint(Reg::BinningVertical)));
 }
 
 ImageSettings read_image_settings(const RegisterFile& registers) {
+    // Another process may be in the middle of a change: what would lead outside of memory is checked once more here.
     auto number = [&](Reg reg) { return static_cast<uint32_t>(registers.Uint(reg)); };
     ImageSettings settings;
     settings.sensor_width = number(Reg::SensorWidth);
     settings.sensor_height = number(Reg::SensorHeight);
     settings.color = (number(Reg::SensorFeatures) & 1) != 0;
-    settings.width = number(Reg::Width);
-    settings.height = number(Reg::Height);
-    settings.offset_x = number(Reg::OffsetX);
-    settings.offset_y = number(Reg::OffsetY);
-    settings.binning_x = number(Reg::BinningHorizontal);
-    settings.binning_y = number(Reg::BinningVertical);
+    settings.binning_x = std::max(number(Reg::BinningHorizontal), 1U);
+    settings.binning_y = std::max(number(Reg::BinningVertical), 1U);
+    const uint32_t columns = widest(settings.sensor_width, settings.binning_x);
+    const uint32_t rows = highest(settings.sensor_height, settings.binning_y);
+    settings.width = std::min(number(Reg::Width), columns);
+    settings.height = std::min(number(Reg::Height), rows);
+    settings.offset_x = std::min(number(Reg::OffsetX), columns - settings.width);
+    settings.offset_y = std::min(number(Reg::OffsetY), rows - settings.height);
     settings.sum_x = number(Reg::BinningHorizontalMode) == 0;
     settings.sum_y = number(Reg::BinningVerticalMode) == 0;
     settings.reverse_x = (number(Reg::ReadoutControl) & 1) != 0;
     settings.reverse_y = (number(Reg::ReadoutControl) & 2) != 0;
-    settings.format = find_pixel_format(number(Reg::PixelFormat));
-    settings.pattern = static_cast<TestPattern>(number(Reg::TestPattern));
+    settings.format = format_of(registers);
+    settings.pattern =
+        static_cast<TestPattern>(std::min(number(Reg::TestPattern), static_cast<uint32_t>(TestPattern::FrameCounter)));
     settings.exposure_us = number(Reg::ExposureTicks) * kTickNs / 1000.0;
     settings.black_level = number(Reg::BlackLevel);
     settings.gamma = static_cast<double>(registers.Float(Reg::Gamma));
@@ -84,10 +99,9 @@ Timing read_timing(const RegisterFile& registers) {
     Timing timing;
     const double exposure = number(Reg::ExposureTicks) * kTickNs;
     const double readout = number(Reg::SensorLineTime) * number(Reg::Height) * number(Reg::BinningVertical);
-    double shortest = std::max({exposure, readout, 1000.0});
+    double shortest = std::max({exposure, readout, kFastestNs});
     if (number(Reg::ThroughputLimitMode) != 0) {
-        const auto* format = find_pixel_format(static_cast<uint32_t>(registers.Uint(Reg::PixelFormat)));
-        const auto pitch = format->LinePitch(static_cast<uint32_t>(registers.Uint(Reg::Width)));
+        const auto pitch = format_of(registers)->LinePitch(static_cast<uint32_t>(registers.Uint(Reg::Width)));
         const double payload = static_cast<double>(pitch) * number(Reg::Height);
         shortest = std::max(shortest, payload * 1000.0 / number(Reg::ThroughputLimit));  // MB/s are bytes per us
     }

@@ -102,22 +102,24 @@ TEST(NamedEvent, ProcessesShareSignalsWithoutLossOrDoubling) {
 
 TEST(NamedEvent, MakersAndClosersAtOnceAgreeOnTheName) {
     const std::string name = own_name("busy");
-    std::atomic<int> lost{0};
+    int lost = 0;
+    std::atomic<bool> stop{false};
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 3; ++i)  // these make the last holder's closing and the next one's opening meet
         threads.emplace_back([&] {
-            for (int round = 0; round < 300; ++round) {
-                const auto held = Event::CreateNamed(name, ResetMode::manual);
-                const auto again = Event::OpenNamed(name);  // must be the same one: it is held
-                held->Set();
-                if (!again || !again->IsSet()) ++lost;
-            }
+            while (!stop) Event::CreateNamed(name, ResetMode::manual);
         });
+    for (int round = 0; round < 3000; ++round) {
+        const auto held = Event::CreateNamed(name, ResetMode::manual);
+        const auto again = Event::OpenNamed(name);  // must be the same one: it is held
+        held->Set();
+        if (!again || !again->IsSet()) ++lost;
+    }
+    stop = true;
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(0, lost);
-    EXPECT_EQ(nullptr, Event::OpenNamed(name));
     for (const auto& entry : std::filesystem::directory_iterator(user_runtime_folder()))
-        EXPECT_EQ(std::string::npos, entry.path().string().find("new-" + std::to_string(getpid()))) << entry.path();
+        EXPECT_EQ(std::string::npos, entry.path().string().find(std::to_string(getpid()))) << "left behind: " << entry.path();
 }
 
 TEST(NamedEvent, StrangeNamesAreNamesAndNotPaths) {

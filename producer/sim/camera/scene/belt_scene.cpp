@@ -129,7 +129,7 @@ void BeltScene::DrawRail(uint32_t y, uint32_t x, uint32_t count, const Rows& row
     for (auto* row : rows)
         if (row) std::fill_n(row, count, level(value));
     // the heads of the screws that hold the rail
-    const double pitch = 80 * px_per_mm_, radius = 0.20 * rail_, center = (y < rail_ ? 0.72 : 0.72) * rail_;
+    const double pitch = 80 * px_per_mm_, radius = 0.20 * rail_, center = 0.72 * rail_;
     const double dy = (y < rail_ ? y : height_ - 1.0 - y) - center;
     if (std::fabs(dy) >= radius) return;
     const double half = std::sqrt(radius * radius - dy * dy);

@@ -17,6 +17,7 @@ namespace kivsim {
 namespace {
 
 constexpr uint64_t kMaxPixels = 64'000'000;
+constexpr uint64_t kMaxFileSize = 512U << 20;
 
 [[noreturn]] void refuse(const std::filesystem::path& file, const std::string& why) {
     throw std::runtime_error("simulated camera: " + kiv::platform::utf8_from_path(file) + ": " + why);
@@ -32,8 +33,8 @@ uint16_t widen(uint8_t value) { return static_cast<uint16_t>(value * 257U); }
 Picture read_png(const std::filesystem::path& file) {
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
-    const auto name = file.string();
-    if (!png_image_begin_read_from_file(&image, name.c_str())) refuse(file, image.message);
+    const auto content = kiv::platform::read_file(kiv::platform::utf8_from_path(file), kMaxFileSize);
+    if (!png_image_begin_read_from_memory(&image, content.data(), content.size())) refuse(file, image.message);
     const std::unique_ptr<png_image, void (*)(png_imagep)> owner(&image, png_image_free);
     check_size(file, image.width, image.height);
     Picture picture;

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "GenApi/i_node_map.h"
 
@@ -14,5 +15,8 @@ namespace kiv::genapi {
 
 /// The map keeps `description`. `deviceName` is the port that Connect(port) takes.
 std::unique_ptr<GenApi::INodeMap> load_node_map(std::string description, const std::string& deviceName = "Device");
+
+/// What was found wrong with the description of a map made by load_node_map(), a sentence each, naming the node.
+std::vector<std::string> description_faults(const GenApi::INodeMap& map);
 
 }  // namespace kiv::genapi

@@ -1,0 +1,176 @@
+#include "nodes/enumeration_node.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "runtime/value_text.h"
+
+namespace kiv::genapi {
+
+using namespace GenApi;
+
+// ---- entries ----
+
+std::string_view EnumEntryNode::Symbolic() const {
+    const auto& record = GetRecord();
+    return record.symbolic.empty() ? record.name : record.symbolic;
+}
+
+void EnumEntryNode::SetText(std::string_view, bool) { throw GenICam::AccessException("Node is not writable.", Place()); }
+
+// ---- finding entries ----
+
+void EnumerationNode::Sort() {
+    if (byValue_.size() == entries_.size()) return;
+    byValue_.resize(entries_.size());
+    std::iota(byValue_.begin(), byValue_.end(), 0u);
+    byName_ = byValue_;
+    std::stable_sort(byValue_.begin(), byValue_.end(), [&](auto a, auto b) { return entries_[a]->value_ < entries_[b]->value_; });
+    std::stable_sort(byName_.begin(), byName_.end(),
+                     [&](auto a, auto b) { return entries_[a]->Symbolic() < entries_[b]->Symbolic(); });
+}
+
+EnumEntryNode* EnumerationNode::Named(std::string_view symbolic) {
+    Sort();
+    const auto it =
+        std::partition_point(byName_.begin(), byName_.end(), [&](auto i) { return entries_[i]->Symbolic() < symbolic; });
+    return it != byName_.end() && entries_[*it]->Symbolic() == symbolic ? entries_[*it] : nullptr;
+}
+
+EnumEntryNode* EnumerationNode::Valued(int64_t value) {
+    Sort();
+    const auto first =
+        std::partition_point(byValue_.begin(), byValue_.end(), [&](auto i) { return entries_[i]->value_ < value; });
+    const auto end = std::find_if(first, byValue_.end(), [&](auto i) { return entries_[i]->value_ != value; });
+    if (first == end) return nullptr;
+    if (end - first == 1) return entries_[*first];
+    const auto available = std::find_if(first, end, [&](auto i) { return IsAvailable(Combine(entries_[i]->Mode(), RW)); });
+    return entries_[available == end ? *first : *available];
+}
+
+EnumEntryNode& EnumerationNode::RequiredEntry(int64_t value) {
+    auto* entry = Valued(value);
+    if (!entry) RefuseText(number_text(value));
+    return *entry;
+}
+
+IEnumEntry* EnumerationNode::GetEntryByName(const gcstring& symbolic) {
+    const AutoLock hold(engine_.lock);
+    return Named(symbolic);
+}
+
+IEnumEntry* EnumerationNode::GetEntry(int64_t value) {
+    return Run("GetEntry", [&] { return Valued(value); });
+}
+
+IEnumEntry* EnumerationNode::GetCurrentEntry(bool, bool ignoreCache) {
+    return RunRead("GetCurrentEntry", ignoreCache, [&] { return Valued(ReadInteger()); });
+}
+
+void EnumerationNode::GetEntries(NodeList_t& entries) {
+    entries.clear();
+    entries.reserve(entries_.size());
+    for (auto* entry : entries_) entries.push_back(entry);
+}
+
+void EnumerationNode::GetSymbolics(StringList_t& symbolics) {
+    symbolics.clear();
+    Run("GetSymbolics", [&] {
+        for (auto* entry : entries_)
+            if (IsAvailable(Combine(entry->Mode(), RW))) symbolics.push_back(entry->Symbolic());
+    });
+}
+
+// ---- the value ----
+
+int64_t EnumerationNode::ReadInteger() {
+    if (!hasSelfClearing_) return kept_.Read(*this, *source_);
+    const Bypass bypass(engine_.evaluator, isSelfClearing_);
+    const auto value = kept_.Read(*this, *source_);
+    const auto it = std::find_if(entries_.begin(), entries_.end(), [&](auto* entry) { return entry->value_ == value; });
+    isSelfClearing_ = it != entries_.end() && (*it)->isSelfClearing_;
+    if (isSelfClearing_) ForgetValue();
+    return value;
+}
+
+double EnumerationNode::ReadFloat() {
+    const auto value = ReadInteger();
+    const auto* entry = Valued(value);
+    return entry ? entry->numericValue_ : static_cast<double>(value);
+}
+
+int64_t EnumerationNode::GetIntValue(bool verify, bool ignoreCache) {
+    if (!verify && !ignoreCache) {
+        const AutoLock hold(engine_.lock);
+        if (IsReadyToRead()) return kept_.Last();
+    }
+    return RunRead("GetIntValue", ignoreCache, [&] {
+        const auto value = ReadInteger();
+        if (verify) RequiredEntry(value);
+        return value;
+    });
+}
+
+void EnumerationNode::Write(EnumEntryNode& entry, bool verify) {
+    const Evaluation step(*this, Question::Write);
+    if (verify && !IsAvailable(Combine(entry.Mode(), RW)))
+        throw GenICam::AccessException(
+            "Node is not writable. The entry '" + std::string(entry.Symbolic()) + "' is not available.", Place());
+    source_->Write(*this, entry.value_, verify);
+    isSelfClearing_ = entry.isSelfClearing_;
+}
+
+void EnumerationNode::WriteInteger(int64_t value, bool verify) { Write(RequiredEntry(value), verify); }
+
+void EnumerationNode::WriteFloat(double value, bool verify) {
+    EnumEntryNode* nearest = nullptr;
+    for (auto* entry : entries_) {
+        if (!IsAvailable(Combine(entry->Mode(), RW))) continue;
+        if (!nearest || std::fabs(entry->numericValue_ - value) < std::fabs(nearest->numericValue_ - value)) nearest = entry;
+    }
+    if (!nearest) throw GenICam::AccessException("Node is not writable. It has no entry that is available.", Place());
+    Write(*nearest, verify);
+}
+
+void EnumerationNode::SetIntValue(int64_t value, bool verify) {
+    RunWrite("SetIntValue", [&] { WriteInteger(value, verify); });
+}
+
+Range<int64_t> EnumerationNode::IntegerLimits() {
+    Range<int64_t> range;
+    if (entries_.empty()) return range;
+    Sort();
+    range.min = entries_[byValue_.front()]->value_;
+    range.max = entries_[byValue_.back()]->value_;
+    return range;
+}
+
+Range<double> EnumerationNode::FloatLimits() {
+    Range<double> range;
+    if (entries_.empty()) return range;
+    const auto [least, most] = std::minmax_element(entries_.begin(), entries_.end(),
+                                                   [](auto* a, auto* b) { return a->numericValue_ < b->numericValue_; });
+    range.min = (*least)->numericValue_;
+    range.max = (*most)->numericValue_;
+    return range;
+}
+
+std::string EnumerationNode::CurrentText() {
+    const auto value = ReadInteger();
+    const auto* entry = Valued(value);
+    if (!entry)
+        throw GenICam::RuntimeException("The current value " + number_text(value) + " belongs to no entry of the enumeration.",
+                                        Place());
+    return std::string(entry->Symbolic());
+}
+
+void EnumerationNode::SetText(std::string_view text, bool verify) {
+    auto* entry = Named(text);
+    if (!entry) RefuseText(text);
+    Write(*entry, verify);
+}
+
+void EnumerationNode::VerifyValue() { RequiredEntry(ReadInteger()); }
+
+}  // namespace kiv::genapi

@@ -1,0 +1,36 @@
+/// The callbacks of one map, and which nodes are waiting for theirs to be called.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "GenApi/node_callback.h"
+
+namespace kiv::genapi {
+
+class Node;
+
+/// Guarded by the map's lock. A callback may be removed while it runs; it is destroyed when it has returned.
+class CallbackBook {
+public:
+    struct Entry {
+        std::unique_ptr<GenApi::CNodeCallback> callback;
+        bool removed = false;
+    };
+    using Entries = std::vector<std::shared_ptr<Entry>>;
+
+    GenApi::CallbackHandleType Add(Node& node, std::unique_ptr<GenApi::CNodeCallback> callback);
+    bool Remove(Node& node, GenApi::CallbackHandleType handle);
+    void Wait(Node& node) { waiting_.push_back(&node); }
+    bool IsAnyWaiting() const { return !waiting_.empty(); }
+    /// The callbacks of the waiting nodes, in the order in which the nodes began to wait.
+    Entries TakeWaiting();
+
+private:
+    std::unordered_map<Node*, Entries> entries_;
+    std::vector<Node*> waiting_;
+};
+
+}  // namespace kiv::genapi

@@ -1,0 +1,15 @@
+#include "runtime/dependency_graph.h"
+
+namespace kiv::genapi {
+
+void DependencyGraph::Close(uint32_t vertices) {
+    first_.assign(vertices + 1, 0);
+    for (const auto& raw : raw_) ++first_[raw.from + 1];
+    for (uint32_t i = 0; i < vertices; ++i) first_[i + 1] += first_[i];
+    edges_.resize(raw_.size());
+    auto next = first_;
+    for (const auto& raw : raw_) edges_[next[raw.from]++] = raw.edge;
+    raw_ = {};
+}
+
+}  // namespace kiv::genapi

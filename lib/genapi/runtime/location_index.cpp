@@ -1,0 +1,31 @@
+#include "runtime/location_index.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace kiv::genapi {
+
+void LocationIndex::Build(const std::vector<Location*>& locations) {
+    for (auto* location : locations) {
+        if (!location->IsFixed()) {
+            moving_.push_back(location);
+            continue;
+        }
+        const auto begin = location->Address(), length = location->Length();
+        const int64_t end = begin > INT64_MAX - length ? INT64_MAX : begin + length;
+        fixed_.push_back({&location->Port(), begin, end, end, location});
+    }
+    std::sort(fixed_.begin(), fixed_.end(),
+              [](const Fixed& a, const Fixed& b) { return std::tie(a.port, a.begin) < std::tie(b.port, b.begin); });
+    for (size_t i = 1; i < fixed_.size(); ++i)
+        if (fixed_[i].port == fixed_[i - 1].port) fixed_[i].furthestEnd = std::max(fixed_[i].end, fixed_[i - 1].furthestEnd);
+}
+
+size_t LocationIndex::FirstBehind(const PortNode* port, int64_t address) const {
+    const auto it = std::partition_point(fixed_.begin(), fixed_.end(), [&](const Fixed& fixed) {
+        return std::tie(fixed.port, fixed.begin) < std::tie(port, address);
+    });
+    return static_cast<size_t>(it - fixed_.begin());
+}
+
+}  // namespace kiv::genapi
