@@ -1,5 +1,7 @@
 #include "description_generator.h"
 
+#include <cstdio>
+
 namespace kiv::bench {
 
 namespace {
@@ -234,6 +236,19 @@ void module(Writer& w, size_t number) {
     next += 16;
     w.Open("StringReg", "Label" + m);
     w.Register(at(next), "WriteThrough", "RW", 16);
+    w.Close();
+    char chunkId[9];
+    std::snprintf(chunkId, sizeof chunkId, "%08x", static_cast<unsigned>(chunk_id_of_module(number)));
+    w.Open("Port", "ChunkPort" + m);
+    w.Child("ChunkID", chunkId);
+    w.Close();
+    w.Open("IntReg", "Chunk" + m);
+    w.Raw(at(0));
+    w.Child("Length", "4");
+    w.Child("AccessMode", "RO");
+    w.Child("pPort", "ChunkPort" + m);
+    w.Child("Sign", "Unsigned");
+    w.Child("Endianess", "LittleEndian");
     w.Close();
     w.Out().integers.push_back("Delay" + m);
     w.Out().floats.insert(w.Out().floats.end(), {"Gain" + m, "Rate" + m, "Temperature" + m});

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,9 @@ struct Description {
 ///     OneVariable         SwissKnife of one variable
 ///     FourVariables       SwissKnife of four
 ///     Mode                Enumeration over bits of a register: Mode0 to Mode7
+///     Chunk0, Chunk1...   registers of 4 bytes at the beginning of a chunk each
 Description generate_description(size_t nodes);
+
+constexpr uint64_t chunk_id_of_module(size_t number) { return 0x10000 + number; }
 
 }  // namespace kiv::bench

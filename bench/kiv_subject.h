@@ -34,6 +34,7 @@ public:
     static void Set(Enumeration node, const char* symbolic) { node->FromString(symbolic); }
 
     void InvalidateAll() const { map_->InvalidateNodes(); }
+    GenApi::INodeMap& Map() const { return *map_; }
 
 private:
     class Port : public GenApi::IPort {

@@ -124,6 +124,26 @@ void set_selector_and_read(benchmark::State& state) {
     }
 }
 
+/// What an image with eight chunks costs beside the image.
+void attach_chunks_and_read(benchmark::State& state) {
+    constexpr size_t chunks = 8;
+    KivSubject subject(description_of(usualSize).xml);
+    GenApi::CChunkAdapterGeneric adapter(&subject.Map());
+    std::vector<uint8_t> buffer(4 * chunks);
+    std::vector<GenApi::SingleChunkData_t> list;
+    std::vector<KivSubject::Integer> features;
+    for (size_t i = 0; i < chunks; ++i) {
+        list.push_back({chunk_id_of_module(i), static_cast<int64_t>(4 * i), 4});
+        features.push_back(subject.FindInteger("Chunk" + std::to_string(i)));
+    }
+    for (auto _ : state) {
+        ++buffer[0];
+        adapter.AttachBuffer(buffer.data(), list.data(), chunks);
+        for (auto node : features) benchmark::DoNotOptimize(KivSubject::Read(node));
+    }
+    if (KivSubject::Read(features[0]) != buffer[0]) state.SkipWithError("the value is wrong");
+}
+
 // ---- everything ---------------------------------------------------------------------------------------------------------------
 
 template <class Subject>
@@ -197,6 +217,7 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     kiv::bench::add_all<kiv::bench::KivSubject>();
+    benchmark::RegisterBenchmark("attach 8 chunks, read", kiv::bench::attach_chunks_and_read);
 #if defined(KIV_BENCH_ARAVIS)
     kiv::bench::add_all<kiv::bench::AravisSubject>();
 #endif

@@ -121,7 +121,7 @@ void Stream::InputToOutput() {
 void Stream::InterruptFill(Guard& guard, Interrupt interrupt) {
     if (!filling_) return;
     const uint64_t fill = fills_;  // the same buffer may be in the next fill already when this thread wakes
-    interrupt_ = interrupt;
+    if (interrupt != Interrupt::None) interrupt_ = interrupt;
     changed_.notify_all();
     changed_.wait(guard, [&] { return !filling_ || fills_ != fill; });
 }

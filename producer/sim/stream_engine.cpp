@@ -79,13 +79,13 @@ Buffer::Content Stream::Fill(Buffer& buffer) {
 
 size_t Stream::Transfer(std::span<const std::byte> frame, std::span<std::byte> buffer) {
     using Clock = std::chrono::steady_clock;
-    constexpr size_t piece = 16384;
     const double bytes_per_second = device_->Entry().megabytes_per_second * 1e6;
     const size_t fits = std::min(frame.size(), buffer.size());
+    const size_t piece = std::max<size_t>(frame.size() / 256, 256);
     const Clock::time_point begin = Clock::now();
     for (size_t done = 0; done < frame.size(); done += piece) {
-        const auto due = begin + std::chrono::duration_cast<Clock::duration>(
-                                     std::chrono::duration<double>(static_cast<double>(done) / bytes_per_second));
+        const auto due = begin + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(
+                                     static_cast<double>(std::min(done + piece, frame.size())) / bytes_per_second));
         Guard guard(lock_);
         if (changed_.wait_until(guard, due, [this] { return interrupt_ != Interrupt::None || closing_; }))
             return std::min(done, fits);

@@ -73,7 +73,7 @@ std::string find_producer_file(const std::string& configured) {
     std::string path = platform::normalise_path(configured);
     if (!platform::path_exists(path)) {
         for (auto& piece : platform::split_search_path(platform::get_environment("GENICAM_GENTL64_PATH").value_or(""))) {
-            auto candidate = without_trailing_separator(piece) + platform::path_separator + path;
+            auto candidate = platform::join_path(without_trailing_separator(piece), path);
             if (!platform::path_exists(candidate)) continue;
             path = candidate;
             break;

@@ -94,11 +94,6 @@ TEST_F(CameraList, FollowsTheProducersListsWithoutRepeating) {
     EXPECT_EQ(Ids_t{}, Ids());
 }
 
-TEST_F(CameraList, TheFlagOfAnUpdateIsOptional) {
-    ASSERT_NO_FATAL_FAILURE(OpenFactory());
-    EXPECT_STATUS(K_ST_SUCCESS, K_Factory_UpdateCameraList(factory, nullptr));
-}
-
 TEST_F(CameraList, LeavesOutWhatAProducerCannotSay) {
     auto& faulty = producer->interfaces.emplace_front();
     faulty.id = "REFUSES";
@@ -174,6 +169,28 @@ TEST_F(CameraList, InfoHandsOnStatusAndHidesExceptions) {
     EXPECT_STATUS(4711, K_Factory_GetCameraInfo(factory, camera_id.c_str(), 1, text, &size));
     producer->SetHook("IFGetDeviceInfo", [](const scripted::Call&) -> std::optional<GenTL::GC_ERROR> { throw 1; });
     EXPECT_STATUS(K_ST_NOT_IMPLEMENTED, K_Factory_GetCameraInfo(factory, camera_id.c_str(), 1, text, &size));
+}
+
+TEST_F(CameraList, TellsWhetherACameraCouldBeOpened) {
+    ASSERT_NO_FATAL_FAILURE(OpenFactory());
+    for (std::int32_t access : {1, 4, 5}) {
+        {
+            std::lock_guard guard(producer->lock);
+            producer->FirstDevice().infos[GenTL::DEVICE_INFO_ACCESS_STATUS] =
+                scripted::number_info(GenTL::INFO_DATATYPE_INT32, access);
+        }
+        std::int32_t seen = -1;
+        EXPECT_STATUS(K_ST_SUCCESS, K_Factory_GetCameraAccess(factory, camera_id.c_str(), &seen));
+        EXPECT_EQ(access, seen);
+    }
+    std::int32_t seen = 77;
+    EXPECT_STATUS(K_ST_INVALID_ID, K_Factory_GetCameraAccess(factory, nullptr, &seen));
+    EXPECT_STATUS(K_ST_INVALID_ID, K_Factory_GetCameraAccess(factory, "TL=>SCRIPTED", &seen));
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_Factory_GetCameraAccess(factory, "TL=>SCRIPTED , INT=>X , DEV=>CAM0", &seen));
+    producer->Refuse("IFGetDeviceInfo", GenTL::GC_ERR_NOT_IMPLEMENTED);
+    EXPECT_STATUS(K_ST_NOT_IMPLEMENTED, K_Factory_GetCameraAccess(factory, camera_id.c_str(), &seen));
+    EXPECT_EQ(77, seen);
+    EXPECT_EQ(0u, producer->Count("IFOpenDevice"));
 }
 
 class CameraListGigE : public ScriptedFactory {

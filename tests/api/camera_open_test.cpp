@@ -1,4 +1,6 @@
 // Opening and closing cameras: what is asked of the producer, what each failing step gives, and that nothing stays half open.
+#include <thread>
+
 #include "support/scripted_factory.h"
 
 namespace kiv_test {
@@ -54,6 +56,57 @@ TEST_F(CameraOpenGigE, OpensThroughTheMulticastExtensionWithTheCallersModes) {
         EXPECT_EQ(order, producer->Order(order));
         CloseCamera();
     }
+}
+
+TEST_F(CameraOpen, GigEProducersWithoutTheExtensionAreOpenedTheStandardsWay) {
+    producer->tl_type = "GEV";
+    ASSERT_NO_FATAL_FAILURE(OpenFactory());
+    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_OpenMc(factory, camera_id.c_str(), &camera, 2, 7));
+    auto calls = producer->CallsOf("IFOpenDevice");
+    ASSERT_EQ(1u, calls.size());
+    EXPECT_EQ(2u, calls[0].numbers[1]) << "with the caller's mode";
+}
+
+TEST_F(CameraOpen, CamerasAreUsedFromManyThreadsAtOnce) {
+    constexpr int cameras = 4;
+    for (int i = 1; i < cameras; ++i) {
+        auto& other = producer->FirstInterface().devices.emplace_back();
+        other.id = "CAM" + std::to_string(i);
+        other.remote = producer->FirstDevice().remote;
+    }
+    ASSERT_NO_FATAL_FAILURE(OpenFactory());
+    std::vector<std::thread> users;
+    for (int i = 0; i < cameras; ++i)
+        users.emplace_back([this, id = "TL=>SCRIPTED , INT=>IF0 , DEV=>CAM" + std::to_string(i)] {
+            for (std::int64_t round = 1; round <= 5; ++round) {
+                CAM_HANDLE own = nullptr;
+                std::int64_t value = 0;
+                EXPECT_STATUS(K_ST_SUCCESS, K_Camera_Open_Proxy(factory, id.c_str(), &own));
+                for (std::int64_t width = 16; width < 16 + 8 * 20; width += 8) {
+                    EXPECT_STATUS(K_ST_SUCCESS, K_Camera_SetValueInt64(own, "Width", width));
+                    EXPECT_STATUS(K_ST_SUCCESS, K_Camera_GetValueInt64(own, "DoubleWidth", &value));
+                    EXPECT_EQ(2 * width, value);
+                }
+                EXPECT_STATUS(K_ST_SUCCESS, K_Camera_Close(own));
+            }
+        });
+    for (auto& user : users) user.join();
+}
+
+TEST_F(CameraOpen, OneCameraIsUsedFromManyThreadsAtOnce) {
+    ASSERT_NO_FATAL_FAILURE(OpenCamera());
+    std::vector<std::thread> users;
+    for (auto* feature : {"Width", "Height", "GainRaw", "Pattern"})
+        users.emplace_back([this, feature] {
+            for (std::int64_t value = 1; value <= 60; ++value) {
+                std::int64_t seen = 0;
+                auto wanted = std::string(feature) == "Width" ? 16 + 8 * value : 1 + value % 3;
+                EXPECT_STATUS(K_ST_SUCCESS, K_Camera_SetValueInt64(camera, feature, wanted));
+                EXPECT_STATUS(K_ST_SUCCESS, K_Camera_GetValueInt64(camera, feature, &seen));
+                EXPECT_EQ(wanted, seen) << feature;
+            }
+        });
+    for (auto& user : users) user.join();
 }
 
 TEST_F(CameraOpen, ChecksTheIdentifierInItsOrder) {

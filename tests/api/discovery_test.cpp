@@ -107,8 +107,7 @@ TEST_F(Discovery, OnlyTheHousesOwnGigEProducerGetsTheWakeUpWrite) {
     EXPECT_EQ(0u, producer->Count("GCWritePort")) << "the whole text counts";
 }
 
-// ---- finding the file
-// ------------------------------------------------------------------------------------------------------------
+// ---- finding the file ----
 
 TEST_F(Discovery, SearchesTheSearchPathForABareName) {
     namespace fs = std::filesystem;
@@ -158,8 +157,7 @@ TEST_F(Discovery, AProducerThatIsNotThereIsLookedForAgain) {
     EXPECT_EQ(Keys{key}, Bound());
 }
 
-// ---- refusals
-// --------------------------------------------------------------------------------------------------------------------
+// ---- refusals ----
 
 TEST_F(Discovery, RefusesWhatIsNoProducerAndGoesOn) {
     auto no_library = folder.Write("text.cti", "This file is no library.");

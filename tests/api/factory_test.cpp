@@ -91,8 +91,23 @@ TEST_F(FactoryOpen, NothingIsBoundBeforeTheFirstUpdate) {
     EXPECT_EQ(1u, producer->Count("IFUpdateDeviceList")) << "only the first query makes the list";
 }
 
-// ---- facts and errors
-// ------------------------------------------------------------------------------------------------------------
+TEST_F(FactoryOpen, ASecondFactoryDoesNotDisturbTheFirst) {
+    ASSERT_NO_FATAL_FAILURE(OpenCamera());
+    auto registry = folder.In("registry.xml");
+    FACTORY_HANDLE second = nullptr;
+    ASSERT_STATUS(K_ST_SUCCESS, K_Factory_Open(registry.c_str(), &second));
+    std::uint32_t cameras = 9;
+    EXPECT_STATUS(K_ST_SUCCESS, K_Factory_GetNumOfCameras(second, &cameras));
+    EXPECT_EQ(0u, cameras) << "a producer opens once in a process";
+    K_PRODUCER_REPORT report{};
+    EXPECT_STATUS(K_ST_SUCCESS, K_Factory_GetProducerReport(second, 0, &report));
+    EXPECT_STATUS(K_ST_RESOURCE_IN_USE, report.status);
+    EXPECT_STATUS(K_ST_SUCCESS, K_Factory_Close(second));
+    EXPECT_EQ(0u, producer->Count("GCCloseLib"));
+    EXPECT_EQ("Scripted", Text("DeviceModelName"));
+}
+
+// ---- facts and errors ----
 
 TEST(FactoryInfo, TellsFourFixedFactsWithoutLookingAtTheCapacity) {
     struct {
@@ -128,14 +143,6 @@ TEST(FactoryInfo, AnUnknownNumberWritesNothing) {
         EXPECT_STREQ("as is", text);
         EXPECT_EQ(77u, size);
     }
-}
-
-TEST(ErrorRecord, IsEmptyBeforeTheFirstError) {
-    K_GC_ERROR_INFO record;
-    std::memset(&record, 'x', sizeof record);
-    EXPECT_STATUS(K_ST_SUCCESS, K_Factory_GetGenICamErrorInfo(&record));
-    EXPECT_STREQ("", record.sDescription);
-    EXPECT_STREQ("", record.sNodeName);
 }
 
 class ErrorRecordOfCamera : public ScriptedFactory {};

@@ -33,6 +33,7 @@ TEST_F(Handles, FactoryHandleIsLookedAtBeforeAnyOtherArgument) {
     EXPECT_HANDLE_REFUSED(FACTORY_HANDLE, K_Factory_GetNumOfCameras, nullptr);
     EXPECT_HANDLE_REFUSED(FACTORY_HANDLE, K_Factory_GetCameraIDByIndex, 0, nullptr, nullptr);
     EXPECT_HANDLE_REFUSED(FACTORY_HANDLE, K_Factory_GetCameraInfo, nullptr, 1, nullptr, nullptr);
+    EXPECT_HANDLE_REFUSED(FACTORY_HANDLE, K_Factory_GetCameraAccess, nullptr, nullptr);
     EXPECT_HANDLE_REFUSED(FACTORY_HANDLE, K_Factory_GetProducerReport, 0, nullptr);
     EXPECT_HANDLE_REFUSED(FACTORY_HANDLE, K_Camera_OpenEx, nullptr, nullptr, 3, 0, 0);
     EXPECT_HANDLE_REFUSED(FACTORY_HANDLE, K_Camera_Open, nullptr, nullptr, 0);
@@ -89,7 +90,9 @@ TEST_F(Handles, ResultPointersAreLookedAtAfterTheHandle) {
     ASSERT_STATUS(K_ST_SUCCESS, K_Camera_GetTLHandle(camera, &layer));
 
     EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Factory_Open("", nullptr));
+    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Factory_UpdateCameraList(factory, nullptr));
     EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Factory_GetNumOfCameras(factory, nullptr));
+    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Factory_GetCameraAccess(factory, camera_id.c_str(), nullptr));
     EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Factory_GetCameraIDByIndex(factory, 0, text, nullptr));
     EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Factory_GetGenICamErrorInfo(nullptr));
     EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Factory_GetProducerReport(factory, 0, nullptr));
@@ -146,8 +149,7 @@ TEST_F(Handles, AClosedHandleIsRefusedEverywhere) {
     EXPECT_EQ(7u, count);
 }
 
-// ---- nodes
-// ---------------------------------------------------------------------------------------------------------------------
+// ---- nodes ----
 
 template <class Result>
 struct NodeRead {

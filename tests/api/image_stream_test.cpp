@@ -1,8 +1,11 @@
 // The image stream: what it asks of the producer and in which order, what it delivers, and that closing it always comes back.
+#include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <cstring>
 #include <deque>
 #include <mutex>
+#include <thread>
 
 #include "support/scripted_factory.h"
 
@@ -381,8 +384,35 @@ TEST_F(ImageStream, OpensAgainAfterClosing) {
     }
 }
 
-// ---- GigE Vision
-// -----------------------------------------------------------------------------------------------------------------
+TEST_F(ImageStream, TwoThreadsMayCloseOneStream) {
+    for (int round = 0; round < 10; ++round) {
+        ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+        std::vector<K_STATUS_CODES> results(3);
+        std::vector<std::thread> closers;
+        for (auto& result : results) closers.emplace_back([&] { result = K_Image_CloseStream(stream); });
+        for (auto& closer : closers) closer.join();
+        std::ranges::sort(results, std::greater{});
+        EXPECT_EQ((std::vector<K_STATUS_CODES>{K_ST_SUCCESS, K_ST_INVALID_HANDLE, K_ST_INVALID_HANDLE}), results);
+        stream = nullptr;
+    }
+}
+
+THRD_HANDLE closes_itself = nullptr;
+std::atomic<K_STATUS_CODES> closed_with = K_ST_ERROR;
+void close_inside(K_IMAGE_INFO*) { closed_with = K_Image_CloseStream(closes_itself); }
+
+TEST_F(ImageStream, ClosingInsideTheCallbackDoesNotHang) {
+    ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStream(camera, 0, nullptr, reinterpret_cast<AnyFunction>(close_inside),
+                                                   &closes_itself, buffer_size, 0));
+    Deliver(image_frame(1, 64, 48));
+    EXPECT_TRUE(producer->WaitUntil([&] {
+        return producer->OpenModules() == std::vector<std::string>{"TL", "IF0", "CAM0"};
+    })) << "the loop ends by itself";
+    EXPECT_STATUS(K_ST_SUCCESS, closed_with.load());
+    EXPECT_EQ(10u, producer->Count("DSRevokeBuffer"));
+}
+
+// ---- GigE Vision ----
 
 TEST_F(ImageStreamGigE, TakesTheMulticastExtensionAndAsksTheProducersOwnInfo) {
     ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStream(camera, 0, &images, reinterpret_cast<AnyFunction>(on_image_with_context),

@@ -230,8 +230,7 @@ TEST_F(NodeValue, InvalidateReachesTheRegisterOfTheNode) {
     EXPECT_EQ(100, Int("Height"));
 }
 
-// ---- callbacks
-// -------------------------------------------------------------------------------------------------------------------
+// ---- callbacks ----
 
 std::vector<std::string> fired;
 std::thread::id fired_on;

@@ -36,6 +36,10 @@ int main(void) {
     char tag[8] = "";
     uint32_t size = sizeof tag;
     uint32_t count = 0;
+    K_GC_ERROR_INFO record;
+    memset(&record, 'x', sizeof record);
+    /* The first thing that this process asks: no error has been yet. */
+    if (K_Factory_GetGenICamErrorInfo(&record) != K_ST_SUCCESS || record.sDescription[0] || record.sNodeName[0]) return 4;
     if (K_Factory_GetInfo(3, tag, &size) != K_ST_SUCCESS || strcmp(tag, "KIV") != 0 || size != 4) return 1;
     if (K_Factory_GetNumOfCameras(NULL, &count) != K_ST_INVALID_HANDLE) return 2;
     if (K_Node_GetValueInt64(NULL, 1, NULL) != K_ST_INVALID_HANDLE) return 3;

@@ -77,8 +77,7 @@ GC_API DevClose(DEV_HANDLE handle) {
 
 GC_API DevGetParentIF(DEV_HANDLE, IF_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
 
-// ---- ports
-// ---------------------------------------------------------------------------------------------------------------------
+// ---- ports ----
 
 static GC_ERROR transfer(World& here, const char* entry, void* handle, uint64_t address, size_t* size,
                          const std::function<void(char*)>& copy) {
@@ -146,8 +145,7 @@ GC_API GCGetPortInfo(PORT_HANDLE handle, PORT_INFO_CMD command, INFO_DATATYPE* t
 GC_API GCReadPortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_API GCWritePortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
 
-// ---- events
-// --------------------------------------------------------------------------------------------------------------------
+// ---- events ----
 
 GC_API GCRegisterEvent(EVENTSRC_HANDLE source, EVENT_TYPE type, EVENT_HANDLE* result) {
     return run(noted("GCRegisterEvent", source, type), [=](World& here) -> GC_ERROR {

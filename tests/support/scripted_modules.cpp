@@ -69,6 +69,7 @@ void World::CloseStream(Stream& stream) {
     stream.open = stream.started = false;
     stream.input.clear();
     stream.buffers.clear();
+    happened.notify_all();
 }
 
 void World::CloseDevice(Device& device) {

@@ -118,7 +118,7 @@ Frame image_frame(std::uint64_t id, std::size_t width, std::size_t height, std::
 
 class World {
 public:
-    // ---- what there is -----------------------------------------------------------------------------------------------------
+    // ---- what there is ----
     std::string vendor = "Scripted Works";
     std::string name;     ///< file name text
     std::string tl_type;  ///< transport type text
@@ -130,7 +130,7 @@ public:
     Device& FirstDevice() { return interfaces.front().devices.front(); }
     Stream& FirstStream() { return FirstDevice().streams.front(); }
 
-    // ---- how it fails ------------------------------------------------------------------------------------------------------
+    // ---- how it fails ----
     /// Calls number `from` (counted from 1, from now on) and the `count - 1` after it return `status` and do nothing else.
     void Refuse(const std::string& entry, GenTL::GC_ERROR status, unsigned from = 1, unsigned count = 0x7FFFFFFF);
     void Accept(const std::string& entry);
@@ -139,13 +139,13 @@ public:
     using Hook = std::function<std::optional<GenTL::GC_ERROR>(const Call&)>;
     void SetHook(const std::string& entry, Hook hook);
 
-    // ---- what happens ------------------------------------------------------------------------------------------------------
+    // ---- what happens ----
     /// Fills the buffer that has waited longest and announces it. False when none waits or the stream is not started.
     bool Deliver(Stream& stream, const Frame& frame);
     /// Queues the data of an event that is registered on the module. False when nobody registered it.
     bool Raise(void* source, GenTL::EVENT_TYPE type, const std::string& data);
 
-    // ---- what was asked ----------------------------------------------------------------------------------------------------
+    // ---- what was asked ----
     std::vector<Call> Calls() const;
     std::vector<Call> CallsOf(const std::string& entry) const;
     std::size_t Count(const std::string& entry) const { return CallsOf(entry).size(); }
@@ -161,7 +161,7 @@ public:
     /// Modules that are open, by name ("TL", interface, device and stream ids).
     std::vector<std::string> OpenModules() const;
 
-    // ---- for the entry points ------------------------------------------------------------------------------------------------
+    // ---- for the entry points ----
     /// Notes the call and asks the script; a status ends the call.
     std::optional<GenTL::GC_ERROR> Begin(Call call);
     GenTL::GC_ERROR Broken(const std::string& rule, GenTL::GC_ERROR status);

@@ -212,11 +212,11 @@ void add_options(CLI::App& command, Arguments& arguments) {
     command.add_flag("--manifest", arguments.manifest, "Write frames.json, which tells frame id and time stamp of each file");
     command.add_option("--writers", arguments.writers, "Threads that compress and write")
         ->type_name("N")
-        ->check(CLI::Range(1, 64))
+        ->check(CLI::Range(1, 64).description(""))
         ->capture_default_str();
     command.add_option("--queue", arguments.queue, "Frames that may wait for the writers; 0: as many as take 256 MB")
         ->type_name("N")
-        ->check(CLI::Range(0, 100000))
+        ->check(CLI::Range(0, 100000).description(""))
         ->capture_default_str();
     command.add_option("--buffer-size", arguments.buffer_size, "Bytes of a stream buffer; 0: the camera's PayloadSize")
         ->type_name("BYTES")

@@ -20,10 +20,7 @@ constexpr const char* kFooter =
     "Exit codes: 0 ok, 1 an operation failed, 2 wrong command line, 3 no registry, producer or camera,\n"
     "            4 camera not found, ambiguous or in use, 5 incomplete grab, 130 interrupted";
 
-std::string version_text() {
-    return std::string("kiv ") + KIV_VERSION + " (library " + library_info(0) + ", " + library_info(1) + " " + library_info(2) +
-           ")";
-}
+std::string version_text() { return std::string("kiv ") + KIV_VERSION + " (library " + library_info(0) + ")"; }
 
 using AddCommand = void (*)(CLI::App&, Invocation&);
 constexpr std::array<AddCommand, 9> kCommands{add_list_command, add_info_command, add_features_command,
@@ -44,10 +41,13 @@ int run(int argc, char** argv) {
     app.require_subcommand(1);
     Invocation invocation;
     for (const AddCommand add : kCommands) add(app, invocation);
+    if (argc < 2) return report(ExitCode::kUsage, ("which command?\n\n" + app.help()).c_str());
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& wrong) {
-        return app.exit(wrong) == 0 ? static_cast<int>(ExitCode::kOk) : static_cast<int>(ExitCode::kUsage);
+        if (wrong.get_exit_code() == 0) return app.exit(wrong);  // --help or --version: printed, and done
+        return report(ExitCode::kUsage,
+                      (std::string(wrong.what()) + "\n  \"kiv --help\" and \"kiv COMMAND --help\" tell more.").c_str());
     }
     return static_cast<int>(invocation.run());
 }

@@ -33,7 +33,7 @@ inline void add_shared_options(CLI::App& command, Options& options, unsigned tak
     if (has(Takes::kTimeout))
         command.add_option("--timeout", options.timeout_s, "How long to wait for the camera")
             ->type_name("SECONDS")
-            ->check(CLI::Range(0.001, 86400.0))
+            ->check(CLI::Range(0.001, 86400.0).description(""))
             ->capture_default_str();
 }
 

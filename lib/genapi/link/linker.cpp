@@ -1,8 +1,10 @@
 #include "link/linker.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "link/link_context.h"
+#include "link/link_dependencies.h"
 #include "link/number_text.h"
 #include "nodes/enumeration_node.h"
 #include "nodes/number_node.h"
@@ -181,23 +183,8 @@ static_assert(
     }(),
     "elementRows is indexed by the element");
 
-// ---- dependencies ----
-
-struct DependencyRow {
-    Tag tag;
-    Effect effect;        ///< of a change of the named node on the one that names it
-    bool isWhereItLives;  ///< the named node is where the value comes from
-};
-constexpr DependencyRow dependencyRows[] = {
-    {Tag::pValue, Effect::Changes, true},          {Tag::pValueCopy, Effect::Changes, false},
-    {Tag::pValueIndexed, Effect::Changes, true},   {Tag::pValueDefault, Effect::Changes, true},
-    {Tag::pIndex, Effect::Changes, false},         {Tag::pMin, Effect::Changes, false},
-    {Tag::pMax, Effect::Changes, false},           {Tag::pInc, Effect::Changes, false},
-    {Tag::pVariable, Effect::Changes, false},      {Tag::pCommandValue, Effect::Changes, false},
-    {Tag::pIsImplemented, Effect::Changes, false}, {Tag::pIsAvailable, Effect::Changes, false},
-    {Tag::pIsLocked, Effect::Changes, false},      {Tag::pBlockPolling, Effect::Changes, false},
-    {Tag::pChunkID, Effect::Changes, false},       {Tag::pInvalidator, Effect::Outdates, false},
-};
+constexpr TagSet conditionTags{Tag::pIsImplemented, Tag::pIsAvailable, Tag::pIsLocked};
+constexpr TagSet ruleTags{Tag::Min, Tag::pMin, Tag::Max, Tag::pMax, Tag::Inc, Tag::pInc, Tag::ValidValueSet, Tag::ValidValuesSet};
 
 class Linker {
 public:
@@ -208,10 +195,8 @@ public:
         MakeNodes();
         ResolveReferences();
         for (auto* node : engine_.nodes) Guarded(*node, [&] { Connect(*node); });
-        for (auto* node : engine_.nodes) AddDependencies(*node);
-        engine_.graph.Close(static_cast<uint32_t>(engine_.nodes.size() + engine_.locations.size()));
+        link_dependencies(engine_);
         engine_.locationIndex.Build(engine_.locations);
-        ListSelectors();
     }
 
 private:
@@ -276,40 +261,61 @@ private:
     }
 
     void Connect(Node& node) {
-        bool hasConditions = false;
-        for (const auto& property : engine_.table.Properties(node.GetRecord())) {
-            hasConditions |=
-                property.tag == Tag::pIsImplemented || property.tag == Tag::pIsAvailable || property.tag == Tag::pIsLocked;
-            node.checksErrors_ |= property.tag == Tag::pError;
-            if (property.tag == Tag::ImposedAccessMode) EAccessModeClass::FromString(property.Text(), &node.described_);
-        }
-        if (hasConditions)
+        const auto present = TagsOf(node);
+        if (present.HasAny(conditionTags))
             node.conditions_ = &engine_.arena.Make<Conditions>(
                 Conditions{node.Target(Tag::pIsImplemented), node.Target(Tag::pIsAvailable), node.Target(Tag::pIsLocked)});
-        if (auto* integer = dynamic_cast<IntegerNode*>(&node)) AddRules<int64_t>(*integer);
-        if (auto* number = dynamic_cast<FloatNode*>(&node)) AddRules<double>(*number);
-        if (parse_integer(node.Text(Tag::PollingTime)).value_or(0) > 0) engine_.polled.push_back(&node);
+        node.checksErrors_ = present.HasAny({Tag::pError});
+        if (present.HasAny({Tag::ImposedAccessMode}))
+            EAccessModeClass::FromString(node.Text(Tag::ImposedAccessMode), &node.described_);
+        if (present.HasAny({Tag::PollingTime}) && parse_integer(node.Text(Tag::PollingTime)).value_or(0) > 0)
+            engine_.polled.push_back(&node);
+        if (present.HasAny(ruleTags)) {
+            const auto kind = static_cast<INode&>(node).GetPrincipalInterfaceType();
+            if (kind == intfIInteger) AddRules<int64_t>(static_cast<IntegerNode&>(node));
+            if (kind == intfIFloat) AddRules<double>(static_cast<FloatNode&>(node));
+        }
         elementRows[static_cast<size_t>(node.GetRecord().element)].connect(context_, node);
+    }
+
+    TagSet TagsOf(const Node& node) const {
+        TagSet present;
+        for (const auto& property : engine_.table.Properties(node.GetRecord())) present.Add(property.tag);
+        return present;
     }
 
     template <class T, class Numeric>
     void AddRules(Numeric& node) {
-        NumberRules<T> rules;
-        bool any = false;
+        auto& rules = engine_.arena.Make<NumberRules<T>>();
         for (const auto& property : engine_.table.Properties(node.GetRecord())) {
-            auto* setting = property.tag == Tag::Min || property.tag == Tag::pMin   ? &rules.min
-                            : property.tag == Tag::Max || property.tag == Tag::pMax ? &rules.max
-                            : property.tag == Tag::Inc || property.tag == Tag::pInc ? &rules.inc
-                                                                                    : nullptr;
-            if (setting && is_reference(property.tag) && !node.Target(&property)) continue;  // as if it were not there
-            if (setting)
-                *setting = is_reference(property.tag) ? Setting<T>(*node.Target(&property))
-                                                      : Setting<T>(context_.NumberOf<T>(property.Text(), property.tag));
-            const bool isSet = property.tag == Tag::ValidValueSet || property.tag == Tag::ValidValuesSet;
-            if (isSet) rules.validValues = ValidValues<T>(property);
-            any |= setting || isSet;
+            if (property.tag == Tag::ValidValueSet || property.tag == Tag::ValidValuesSet)
+                rules.validValues = ValidValues<T>(property);
+            auto* setting = SettingOf(rules, property.tag);
+            if (!setting) continue;
+            auto* target = node.Target(&property);
+            if (!is_reference(property.tag))
+                *setting = Setting<T>(context_.NumberOf<T>(property.Text(), property.tag));
+            else if (target)  // a limit that does not exist does not limit
+                *setting = Setting<T>(*target);
         }
-        if (any) node.rules_ = &engine_.arena.Make<NumberRules<T>>(std::move(rules));
+        node.rules_ = &rules;
+    }
+
+    template <class T>
+    static Setting<T>* SettingOf(NumberRules<T>& rules, Tag tag) {
+        switch (tag) {
+            case Tag::Min:
+            case Tag::pMin:
+                return &rules.min;
+            case Tag::Max:
+            case Tag::pMax:
+                return &rules.max;
+            case Tag::Inc:
+            case Tag::pInc:
+                return &rules.inc;
+            default:
+                return nullptr;
+        }
     }
 
     template <class T>
@@ -321,40 +327,6 @@ private:
             text.remove_prefix(std::min(text.size(), part.size() + 1));
         }
         return values;
-    }
-
-    void AddDependencies(Node& node) {
-        const bool isRegister = dynamic_cast<IRegister*>(&node) != nullptr;
-        for (const auto& property : engine_.table.Properties(node.GetRecord())) {
-            if (property.target == nothing) continue;
-            if (property.tag == Tag::pSelected) {
-                engine_.graph.Add(node.Index(), property.target, Effect::Outdates);
-                continue;
-            }
-            if (isRegister && property.tag == Tag::pIndex) continue;  // a term of the address
-            for (const auto& row : dependencyRows) {
-                if (row.tag != property.tag) continue;
-                engine_.graph.Add(property.target, node.Index(), row.effect);
-                if (row.isWhereItLives) engine_.graph.Add(node.Index(), property.target, Effect::Drops);
-            }
-        }
-    }
-
-    /// For each node, who selects it: directly, or by showing a node that does.
-    void ListSelectors() {
-        constexpr int deepest = 256;
-        const auto& table = engine_.table;
-        for (const auto* node : engine_.nodes) {
-            const Node* shown = node;
-            for (int depth = 0; shown && depth < deepest; ++depth, shown = shown->Target(Tag::pValue)) {
-                for (const auto& property : table.Properties(shown->GetRecord())) {
-                    if (property.tag != Tag::pSelected || property.target == nothing) continue;
-                    if (engine_.selecting.empty()) engine_.selecting.resize(engine_.nodes.size());
-                    auto& list = engine_.selecting[property.target];
-                    if (list.empty() || list.back() != node->Index()) list.push_back(node->Index());
-                }
-            }
-        }
     }
 
     Engine& engine_;

@@ -2,18 +2,21 @@
 /// is kept once; the enumerations, the texts and the look-up come from it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string_view>
 
 namespace kiv::genapi {
 
-#define KIV_GENAPI_ELEMENTS(X)                                                                                                 \
-    X(Node)                                                                                                                    \
-    X(Category)                                                                                                                \
-    X(Integer) X(IntReg) X(MaskedIntReg) X(StructReg) X(StructEntry) X(IntSwissKnife) X(IntConverter) X(Boolean) X(Command)    \
-        X(Enumeration) X(EnumEntry) X(Float) X(FloatReg) X(SwissKnife) X(Converter) X(String) X(StringReg) X(Register) X(Port) \
-            X(ConfRom) X(TextDesc) X(IntKey) X(AdvFeatureLock) X(SmartFeature) X(Group)
+#define KIV_GENAPI_ELEMENTS(X)                                                                                                  \
+    X(Node)                                                                                                                     \
+    X(Category)                                                                                                                 \
+    X(Integer)                                                                                                                  \
+    X(IntReg) X(MaskedIntReg) X(StructReg) X(StructEntry) X(IntSwissKnife) X(IntConverter) X(Boolean) X(Command) X(Enumeration) \
+        X(EnumEntry) X(Float) X(FloatReg) X(SwissKnife) X(Converter) X(String) X(StringReg) X(Register) X(Port) X(ConfRom)      \
+            X(TextDesc) X(IntKey) X(AdvFeatureLock) X(SmartFeature) X(Group)
 
 enum class Element : uint8_t {
 #define X(name) name,
@@ -53,6 +56,24 @@ enum class Tag : uint8_t {
 #define X(name, kind) name,
     KIV_GENAPI_TAGS(X)
 #undef X
+};
+
+/// Some of the tags.
+class TagSet {
+public:
+    constexpr TagSet() = default;
+    constexpr TagSet(std::initializer_list<Tag> tags) {
+        for (const auto tag : tags) Add(tag);
+    }
+    constexpr void Add(Tag tag) { bits_[Word(tag)] |= Bit(tag); }
+    constexpr bool Has(Tag tag) const { return bits_[Word(tag)] & Bit(tag); }
+    constexpr bool HasAny(const TagSet& others) const { return (bits_[0] & others.bits_[0]) | (bits_[1] & others.bits_[1]); }
+
+private:
+    static constexpr size_t Word(Tag tag) { return static_cast<size_t>(tag) / 64; }
+    static constexpr uint64_t Bit(Tag tag) { return uint64_t{1} << static_cast<size_t>(tag) % 64; }
+    static_assert(static_cast<size_t>(Tag::IntSwissKnife) < 128);
+    uint64_t bits_[2] = {};
 };
 
 std::optional<Element> find_element(std::string_view name) noexcept;

@@ -29,7 +29,7 @@ private:
     void ReadNode(pugi::xml_node element, Element kind);
     void ReadStructReg(pugi::xml_node element);
     void ReadEmbedded(pugi::xml_node element, Element kind, uint32_t owner);
-    /// The properties of one element, appended to `pending_`; nodes inside it are left for later.
+    /// The properties of one element; nodes inside it are left for later.
     void ReadProperties(pugi::xml_node element, std::vector<Property>& properties);
     uint32_t AddRecord(pugi::xml_node element, Element kind, std::string_view name, const std::vector<Property>& properties);
     std::string_view TextOf(pugi::xml_node element, bool trim);
@@ -37,6 +37,7 @@ private:
 
     RecordTable& table_;
     std::vector<Property> scratch_;
+    bool hasInner_ = false;  // the element that was read last has nodes inside
 };
 
 /// Text is in the element itself; only a description that mixes text with CDATA sections needs a copy.
@@ -77,8 +78,10 @@ Attribute read_attribute(pugi::xml_node element, Tag tag, std::string_view& text
 void Reader::ReadProperties(pugi::xml_node element, std::vector<Property>& properties) {
     for (const auto child : element.children()) {
         const auto tag = find_tag(child.name());
-        if (!tag || *tag == Tag::IntSwissKnife) continue;
-        const auto text = TextOf(child, *tag != Tag::Value);
+        if (!tag) continue;
+        const bool isNode = *tag == Tag::IntSwissKnife;  // stands for its name here and is read as a node later
+        const auto text = isNode ? attribute_text(child, "Name") : TextOf(child, *tag != Tag::Value);
+        hasInner_ |= isNode;
         std::string_view attributeText;
         Property property;
         property.attribute = read_attribute(child, *tag, attributeText);
@@ -137,12 +140,9 @@ void Reader::ReadNode(pugi::xml_node element, Element kind) {
     if (name.empty()) return Fault("A node of kind " + std::string(name_of(kind)) + " has no name.");
     if (name.size() > longestName) return Fault("The name '" + std::string(name.substr(0, 40)) + "...' is too long.");
     scratch_.clear();
+    hasInner_ = kind == Element::Enumeration || kind == Element::ConfRom;
     ReadProperties(element, scratch_);
-    bool hasInner = kind == Element::Enumeration || kind == Element::ConfRom;
-    for (auto inner = element.child("IntSwissKnife"); inner; inner = inner.next_sibling("IntSwissKnife")) {
-        hasInner = true;
-        scratch_.push_back(reference_to(attribute_text(inner, "Name"), Tag::IntSwissKnife));
-    }
+    const bool hasInner = hasInner_;
     if (kind == Element::IntKey || kind == Element::TextDesc) {
         if (const auto parser = attribute_text(element, "p1212Parser"); !parser.empty())
             scratch_.push_back(reference_to(parser, Tag::p1212Parser));
@@ -154,8 +154,6 @@ void Reader::ReadNode(pugi::xml_node element, Element kind) {
 void Reader::ReadStructReg(pugi::xml_node element) {
     std::vector<Property> common, own;
     ReadProperties(element, common);
-    for (auto inner = element.child("IntSwissKnife"); inner; inner = inner.next_sibling("IntSwissKnife"))
-        common.push_back(reference_to(attribute_text(inner, "Name"), Tag::IntSwissKnife));
     for (auto entry = element.child("StructEntry"); entry; entry = entry.next_sibling("StructEntry")) {
         const auto name = attribute_text(entry, "Name");
         if (name.empty()) {
@@ -164,13 +162,10 @@ void Reader::ReadStructReg(pugi::xml_node element) {
         }
         own.clear();
         ReadProperties(entry, own);
-        uint64_t present[2] = {};
-        static_assert(static_cast<size_t>(Tag::IntSwissKnife) < 128);
-        const auto word = [&](Tag tag) -> uint64_t& { return present[static_cast<size_t>(tag) / 64]; };
-        const auto bit = [](Tag tag) { return uint64_t{1} << static_cast<size_t>(tag) % 64; };
-        for (const auto& property : own) word(property.tag) |= bit(property.tag);
+        TagSet present;
+        for (const auto& property : own) present.Add(property.tag);
         for (const auto& property : common)
-            if (!(word(property.tag) & bit(property.tag))) own.push_back(property);
+            if (!present.Has(property.tag)) own.push_back(property);
         if (table_.properties.size() + own.size() > mostProperties)
             return Fault("The structured register of '" + std::string(name) + "' is too large.");
         AddRecord(entry, Element::MaskedIntReg, name, own);
@@ -214,6 +209,12 @@ void Reader::ReadRoot(pugi::xml_node root) {
     ReadNodes(root);
 }
 
+/// The guess was far off; a small excess is not worth copying everything.
+template <class List>
+void shrink(List& list) {
+    if (list.capacity() > list.size() + list.size() / 2) list.shrink_to_fit();
+}
+
 [[noreturn]] void throw_parse_error(std::string_view text, const pugi::xml_parse_result& result) {
     const auto offset = std::min<size_t>(result.offset > 0 ? static_cast<size_t>(result.offset) : 0, text.size());
     const auto before = text.substr(0, offset);
@@ -246,8 +247,8 @@ void read_records(std::string description, RecordTable& table) {
     table.records.reserve(text.size() / 300);
     table.properties.reserve(text.size() / 40);
     Reader(table).ReadRoot(root);
-    table.records.shrink_to_fit();
-    table.properties.shrink_to_fit();
+    shrink(table.records);
+    shrink(table.properties);
 }
 
 }  // namespace kiv::genapi

@@ -1,6 +1,5 @@
 // Questions about a node's neighbours. They are rare, so they are answered from the description's references and the dependency
 // graph instead of lists of their own.
-#include <initializer_list>
 #include <unordered_set>
 
 #include "link/number_text.h"
@@ -11,14 +10,6 @@ namespace kiv::genapi {
 using namespace GenApi;
 
 namespace {
-
-struct TagSet {
-    uint64_t bits[2] = {};
-    constexpr TagSet(std::initializer_list<Tag> tags) {
-        for (const auto tag : tags) bits[static_cast<size_t>(tag) / 64] |= uint64_t{1} << static_cast<size_t>(tag) % 64;
-    }
-    constexpr bool Has(Tag tag) const { return bits[static_cast<size_t>(tag) / 64] >> static_cast<size_t>(tag) % 64 & 1; }
-};
 
 constexpr TagSet valueTags{Tag::pValue,    Tag::pIndex,   Tag::pValueIndexed, Tag::pValueDefault,
                            Tag::pVariable, Tag::pAddress, Tag::pLength,       Tag::IntSwissKnife};

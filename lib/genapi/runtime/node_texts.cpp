@@ -98,11 +98,10 @@ INode* Node::GetCastAlias() const { return Target(Tag::pCastAlias); }
 void Node::GetPropertyNames(GenICam::gcstring_vector& names) const {
     names.clear();
     for (const auto* name : {"NodeType", "Name", "NameSpace", "DeviceName"}) names.push_back(name);
-    uint64_t seen[2] = {};
+    TagSet seen;
     for (const auto& property : engine_.table.Properties(GetRecord())) {
-        const auto tag = static_cast<size_t>(property.tag);
-        if (seen[tag / 64] >> tag % 64 & 1) continue;
-        seen[tag / 64] |= uint64_t{1} << tag % 64;
+        if (seen.Has(property.tag)) continue;
+        seen.Add(property.tag);
         names.push_back(name_of(property.tag));
     }
     if (GetRecord().element == Element::Enumeration && !Find(Tag::pEnumEntry)) names.push_back(name_of(Tag::pEnumEntry));

@@ -175,7 +175,10 @@ TEST_F(Acquisition, AKillDeliversWhatHasArrived) {
     EXPECT_EQ(1u, StreamInfo<size_t>(STREAM_INFO_NUM_QUEUED, INFO_DATATYPE_SIZET)) << "the one being filled counts";
     EXPECT_EQ(GC_ERR_BUSY, gentl.DSRevokeBuffer(stream, buffers[0], nullptr, nullptr));
     EXPECT_EQ(GC_ERR_SUCCESS, gentl.DSStopAcquisition(stream, ACQ_STOP_FLAGS_KILL));
-    const BUFFER_HANDLE buffer = NextBuffer(event).BufferHandle;
+    EVENT_NEW_BUFFER_DATA data;
+    size_t size = sizeof data;
+    ASSERT_EQ(GC_ERR_SUCCESS, gentl.EventGetData(event, &data, &size, 0)) << "it is there when the stop returns";
+    const BUFFER_HANDLE buffer = data.BufferHandle;
     EXPECT_TRUE(BufferFlag(buffer, BUFFER_INFO_IS_INCOMPLETE));
     EXPECT_LT(BufferSize(buffer, BUFFER_INFO_SIZE_FILLED), BufferSize(buffer, BUFFER_INFO_DATA_SIZE));
     EXPECT_FALSE(BufferFlag(buffer, BUFFER_INFO_DATA_LARGER_THAN_BUFFER));

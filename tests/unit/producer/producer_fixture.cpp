@@ -11,7 +11,7 @@ ProducerTest::ProducerTest() : gentl(KIV_SIM_PRODUCER) {
     Configure(R"({"interfaces": [
         {"id": "SIM0", "cameras": [
             {"serial": "FAST", "width": 128, "height": 96, "frame_rate": 500, "unplug_file": "unplug_fast"},
-            {"serial": "SLOW", "width": 128, "height": 96, "frame_rate": 500, "link_megabytes_per_second": 0.05}]},
+            {"serial": "SLOW", "width": 128, "height": 96, "frame_rate": 500, "link_megabytes_per_second": 0.02}]},
         {"id": "SIM1"}]})");
 }
 

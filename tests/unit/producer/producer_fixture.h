@@ -28,7 +28,7 @@ protected:
     ~ProducerTest() override;
 
     /// Takes effect at the next GCInitLib. The first one: SIM0 with FAST (128 x 96 monochrome) and SLOW (the same behind a link
-    /// of 0.05 MB/s, so that a frame takes a quarter of a second), SIM1 without a camera.
+    /// of 0.02 MB/s, so that a frame takes 0.6 s), SIM1 without a camera.
     void Configure(const std::string& json);
 
     void OpenSystem();

@@ -191,8 +191,8 @@ void print(Sprite& sprite, std::string_view text, uint32_t x, uint32_t y, uint32
 
 // The label shows the text of the camera in its upper half; the lower half is for the number of the plate.
 void print_label(Sprite& sprite, std::string_view text, double diameter) {
-    const auto dot =
-        static_cast<uint32_t>(diameter * 0.41 / (kGlyphAdvance * std::max<double>(7.8, static_cast<double>(text.size()))));
+    const double columns = kGlyphAdvance * std::max<double>(7.8, static_cast<double>(text.size()));
+    const auto dot = static_cast<uint32_t>(diameter * 0.41 / columns + 0.1);
     if (dot == 0) return;
     const auto x = static_cast<uint32_t>(sprite.width / 2.0 + diameter * 0.012);
     const double middle = sprite.height / 2.0 - diameter * 0.02;
