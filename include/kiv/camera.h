@@ -72,6 +72,9 @@ K_API K_STATUS_CODES K_CALL K_Camera_InvalidateNodes(CAM_HANDLE hCamera);
 /* Where a camera hangs. */
 K_API K_STATUS_CODES K_CALL K_Camera_GetTLHandle(CAM_HANDLE hCamera, TRANSPORT_LAYER_HANDLE* phTransportLayer);
 K_API K_STATUS_CODES K_CALL K_Camera_GetInterfaceHandle(CAM_HANDLE hCamera, INTERFACE_HANDLE* phInterface);
+/** The transport type of the camera's producer, by the producer's text convention. Unlike the rule, a null camera is
+ *  K_ST_INVALID_PARAMETER. */
+K_API K_STATUS_CODES K_CALL K_Camera_GetTransportLayerName(CAM_HANDLE hCamera, char* buffer, uint32_t* pSize);
 /** The producer's own DEV_HANDLE. */
 K_API K_STATUS_CODES K_CALL K_Camera_GetLocalDeviceHandle(CAM_HANDLE hCamera, void** phDevice);
 

@@ -47,13 +47,21 @@ K_API K_STATUS_CODES K_CALL K_Factory_GetCameraInfo(FACTORY_HANDLE hFactory, con
                                                     uint32_t* pSize);
 
 /**
- * Whether a camera that need not be open could be opened now: GenTL's DEVICE_ACCESS_STATUS, 1 free, 2 free for reading only, 3 not
- * reachable, 4 open elsewhere, 5 and 6 open in this process, 0 not known. The producer's status when it does not tell.
+ * Whether a camera that need not be open could be opened now: GenTL's DEVICE_ACCESS_STATUS, 1 free, 2 free for reading only, 3
+ * not reachable, 4 open elsewhere, 5 and 6 open in this process, 0 not known. The producer's status when it does not tell.
  */
 K_API K_STATUS_CODES K_CALL K_Factory_GetCameraAccess(FACTORY_HANDLE hFactory, const char* cameraId, int32_t* pAccess);
 
 /** Copies the record of the last GenICam error of the process. It is not cleared. */
 K_API K_STATUS_CODES K_CALL K_Factory_GetGenICamErrorInfo(K_GC_ERROR_INFO* pInfo);
+
+/** Whether GigE Vision interfaces are told, with every update, to force valid addresses onto devices (1 at first, 0 not). */
+K_API K_STATUS_CODES K_CALL K_Factory_EnableForceIp(FACTORY_HANDLE hFactory, uint32_t enable);
+
+/** Broadcasts an action command through every producer that has the extension; the last two arguments are the producer's. What
+ * the producers answer is not looked at. */
+K_API K_STATUS_CODES K_CALL K_Factory_SendActionCommand(FACTORY_HANDLE hFactory, uint32_t deviceKey, uint32_t groupKey,
+                                                        uint32_t groupMask, void* argument1, void* argument2);
 
 /** What became of one producer that the registry lists. */
 typedef struct K_PRODUCER_REPORT {

@@ -12,8 +12,56 @@ K_API K_STATUS_CODES K_CALL K_GenTL_GetTransportLayerByIndex(FACTORY_HANDLE hFac
 /** GenTL's TL_INFO_CMD. *pSize is written back on success only. */
 K_API K_STATUS_CODES K_CALL K_GenTL_TLGetInfo(TRANSPORT_LAYER_HANDLE hTransportLayer, int32_t infoCmd, int32_t* pType,
                                               void* buffer, uint32_t* pSize);
+/** One bound producer by its key. With no producer bound, or none of that key, K_ST_NO_DATA. */
+K_API K_STATUS_CODES K_CALL K_GenTL_GetTransportLayerByName(FACTORY_HANDLE hFactory, const char* key,
+                                                            TRANSPORT_LAYER_HANDLE* phTransportLayer);
 /** Whether the producer's transport type is GigE Vision. */
 K_API K_STATUS_CODES K_CALL K_Is_GigE_Transport_Layer(TRANSPORT_LAYER_HANDLE hTransportLayer, bool8_kiv* pIsGigE);
+
+/* Forwarders. Each hands its arguments to the producer's function of that name and returns the producer's status. A size is the
+   producer's: a null buffer asks for it; it is written back whatever the result. Timeouts are milliseconds. */
+
+K_API K_STATUS_CODES K_CALL K_GenTL_TLUpdateInterfaceList(TRANSPORT_LAYER_HANDLE hTransportLayer, bool8_kiv* pChanged,
+                                                          uint64_t timeout);
+K_API K_STATUS_CODES K_CALL K_GenTL_TLGetNumInterfaces(TRANSPORT_LAYER_HANDLE hTransportLayer, uint32_t* pCount);
+K_API K_STATUS_CODES K_CALL K_GenTL_TLGetInterfaceID(TRANSPORT_LAYER_HANDLE hTransportLayer, uint32_t index, char* buffer,
+                                                     uint32_t* pSize);
+/** Opens an interface. The camera list opens those that it finds: for them this is the producer's RESOURCE_IN_USE, and
+ *  K_GenTL_GetInterfaceLayerByIndex gives the handle. */
+K_API K_STATUS_CODES K_CALL K_GenTL_TLOpenInterface(TRANSPORT_LAYER_HANDLE hTransportLayer, const char* interfaceId,
+                                                    INTERFACE_HANDLE* phInterface);
+/** An opened interface by its place in the order of identifiers. */
+K_API K_STATUS_CODES K_CALL K_GenTL_GetInterfaceLayerByIndex(TRANSPORT_LAYER_HANDLE hTransportLayer, uint32_t index,
+                                                             INTERFACE_HANDLE* phInterface);
+/** Closes the interface and every camera on it. */
+K_API K_STATUS_CODES K_CALL K_GenTL_IFClose(INTERFACE_HANDLE hInterface);
+/** Unlike the rule, the null result pointer is what is tested first. */
+K_API K_STATUS_CODES K_CALL K_GenTL_IFGetNumDevices(INTERFACE_HANDLE hInterface, uint32_t* pCount);
+K_API K_STATUS_CODES K_CALL K_GenTL_IFGetDeviceName(INTERFACE_HANDLE hInterface, uint32_t index, char* buffer, uint32_t* pSize);
+K_API K_STATUS_CODES K_CALL K_GenTL_IFUpdateDeviceList(INTERFACE_HANDLE hInterface, bool8_kiv* pChanged, uint64_t timeout);
+/** GenTL's DEVICE_INFO_CMD, for those that are texts. */
+K_API K_STATUS_CODES K_CALL K_GenTL_IFGetDeviceInfoString(TRANSPORT_LAYER_HANDLE hTransportLayer, INTERFACE_HANDLE hInterface,
+                                                          const char* deviceId, int32_t infoCmd, char* buffer, uint32_t* pSize);
+/** Opens a device. phDevice receives the producer's DEV_HANDLE; K_GenTL_DevGetPort makes a camera of it, whose close closes it.
+ */
+K_API K_STATUS_CODES K_CALL K_GenTL_IFOpenDevice(INTERFACE_HANDLE hInterface, const char* deviceId, uint32_t accessMode,
+                                                 void** phDevice);
+/** The camera object on a device that K_GenTL_IFOpenDevice or a camera opened. It has no node map before K_GenTL_GetPortURLInfo.
+ *  K_Camera_Close on it closes the device and every camera object on it. */
+K_API K_STATUS_CODES K_CALL K_GenTL_DevGetPort(void* hDevice, CAM_HANDLE* phPort);
+/** Reads the port's description URL and builds the node map. openOption as in K_Camera_OpenEx. */
+K_API K_STATUS_CODES K_CALL K_GenTL_GetPortURLInfo(CAM_HANDLE hPort, uint32_t openOption);
+K_API K_STATUS_CODES K_CALL K_GenTL_GetNumPortURLs(CAM_HANDLE hPort, uint32_t* pCount);
+
+/* The node maps of modules. hModule is a transport layer, an interface, a DEV_HANDLE (the local device module), a camera, or an
+   image stream. The maps are built when first asked for. K_ST_NO_DATA: the module has none, or there is no such node, category or
+   feature; names and results are otherwise as in camera.h, except that sub-features are INode handles. */
+
+K_API K_STATUS_CODES K_CALL K_GenTL_GetNumOfNodes(void* hModule, uint32_t* pCount);
+K_API K_STATUS_CODES K_CALL K_GenTL_GetNodeByName(void* hModule, const char* name, NODE_HANDLE* phNode);
+K_API K_STATUS_CODES K_CALL K_GenTL_GetNumOfSubFeatures(void* hModule, const char* category, uint32_t* pCount);
+K_API K_STATUS_CODES K_CALL K_GenTL_GetSubFeatureByIndex(void* hModule, const char* category, uint32_t index,
+                                                         NODE_HANDLE* phNode);
 
 /**
  * The GenICam description (XML) of a module as a text.

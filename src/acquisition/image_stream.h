@@ -21,7 +21,11 @@ public:
     /// The stream module's own node map; throws like CModuleNodeMap::BuildNodeMap.
     void BuildOwnNodeMap();
 
-    GenICam::Factory::CTLWrapper& Producer() const { return producer_; }
+    /// Throws StatusError K_ST_INVALID_HANDLE once the camera is closed: its producer may be gone, too.
+    GenICam::Factory::CTLWrapper& Producer() const {
+        if (!camera_) kiv::fail(K_ST_INVALID_HANDLE);
+        return producer_;
+    }
     GenTL::DS_HANDLE Stream() const { return thread_ ? thread_->Stream() : nullptr; }
 
 private:

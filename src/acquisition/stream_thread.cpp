@@ -37,7 +37,8 @@ void ImageCallback::operator()(K_IMAGE_INFO& info) const {
         reinterpret_cast<K_IMAGE_CALLBACK>(function)(&info);
 }
 
-CStreamThread::CStreamThread(GenICam::Factory::CCameraClass& camera) : producer_(camera.Producer()), device_(camera.Device()) {}
+CStreamThread::CStreamThread(GenICam::Factory::CCameraClass& camera)
+    : producer_(camera.Producer()), device_(camera.DeviceHandle()) {}
 
 CStreamThread::~CStreamThread() { Close(); }
 

@@ -59,7 +59,7 @@ K_API K_STATUS_CODES K_CALL K_Camera_Close(CAM_HANDLE hCamera) {
 static GenTL::PORT_HANDLE remote_port(const CCameraClass& opened) {
     auto get = entry(opened.Producer().DevGetPort);
     GenTL::PORT_HANDLE port = nullptr;
-    require_success(get(opened.Device(), &port));
+    require_success(get(opened.DeviceHandle(), &port));
     return port;
 }
 
@@ -110,7 +110,18 @@ K_API K_STATUS_CODES K_CALL K_Camera_GetLocalDeviceHandle(CAM_HANDLE hCamera, vo
     return guarded([&] {
         auto& opened = camera(hCamera);
         handle(phDevice);
-        *phDevice = opened.Device();
+        *phDevice = opened.DeviceHandle();
         return K_ST_SUCCESS;
+    });
+}
+
+// Here a null camera is a bad parameter, and only what hangs above it a bad handle.
+K_API K_STATUS_CODES K_CALL K_Camera_GetTransportLayerName(CAM_HANDLE hCamera, char* buffer, uint32_t* pSize) {
+    return guarded([&] {
+        require(hCamera != nullptr);
+        auto& opened = camera(hCamera);
+        auto get = entry(opened.Producer().TLGetInfo);
+        auto& size = out(pSize);
+        return get(opened.Producer().TL(), GenTL::TL_INFO_TLTYPE, Ignored<GenTL::INFO_DATATYPE>(), buffer, WideSize(size));
     });
 }

@@ -114,3 +114,18 @@ K_API K_STATUS_CODES K_CALL K_Factory_GetProducerReport(FACTORY_HANDLE hFactory,
         return K_ST_SUCCESS;
     });
 }
+
+K_API K_STATUS_CODES K_CALL K_Factory_EnableForceIp(FACTORY_HANDLE hFactory, uint32_t enable) {
+    return guarded([&] {
+        factory(hFactory).EnableForceIp(enable);
+        return K_ST_SUCCESS;
+    });
+}
+
+K_API K_STATUS_CODES K_CALL K_Factory_SendActionCommand(FACTORY_HANDLE hFactory, uint32_t deviceKey, uint32_t groupKey,
+                                                        uint32_t groupMask, void* argument1, void* argument2) {
+    return guarded([&] {
+        factory(hFactory).SendActionCommand(deviceKey, groupKey, groupMask, argument1, argument2);
+        return K_ST_SUCCESS;
+    });
+}

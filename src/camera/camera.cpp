@@ -2,20 +2,30 @@
 
 #include <algorithm>
 
+#include "transport/open_devices.h"
+
 namespace GenICam::Factory {
 
 CCameraClass::OpenDevice::~OpenDevice() {
-    if (handle && producer.DevClose) producer.DevClose(handle);
+    if (!handle || ownership == Device::borrowed) return;
+    open_devices().Remove(handle);
+    if (producer.DevClose) producer.DevClose(handle);
 }
 
-CCameraClass::CCameraClass(CTLWrapper& producer, GenTL::IF_HANDLE interface_handle, GenTL::DEV_HANDLE device)
-    : producer_(producer), interface_(interface_handle), device_{producer, device} {
+CCameraClass::CCameraClass(CTLWrapper& producer, GenTL::IF_HANDLE interface_handle, GenTL::DEV_HANDLE device, Device ownership)
+    : producer_(producer), interface_(interface_handle), device_{producer, device, ownership} {
+    if (ownership == Device::owned) open_devices().Enter(device, producer, interface_handle);
     GenTL::PORT_HANDLE port = nullptr;
     kiv::require_success(producer.DevGetPort(device, &port));
     remote_device_ = std::make_unique<CRemoteDeviceClass>(producer, port);
 }
 
 CCameraClass::~CCameraClass() { EndAttachments(); }
+
+void CCameraClass::TakeDevice() {
+    open_devices().Enter(device_.handle, producer_, interface_);
+    device_.ownership = Device::owned;
+}
 
 bool CCameraClass::Attach(CCameraAttachment& attachment) {
     GEV::CAutoLock lock(section_);

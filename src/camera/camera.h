@@ -28,15 +28,22 @@ protected:
 
 class CCameraClass {
 public:
-    /// Takes the device over. Throws StatusError when the producer gives no port for it; the device is closed then.
-    CCameraClass(CTLWrapper& producer, GenTL::IF_HANDLE interface_handle, GenTL::DEV_HANDLE device);
+    /// Whether the camera closes the device when it goes, or another camera object does.
+    enum class Device { owned, borrowed };
+
+    /// Throws StatusError when the producer gives no port for the device; an owned device is closed then.
+    CCameraClass(CTLWrapper& producer, GenTL::IF_HANDLE interface_handle, GenTL::DEV_HANDLE device,
+                 Device ownership = Device::owned);
     virtual ~CCameraClass();
     CCameraClass(const CCameraClass&) = delete;
     CCameraClass& operator=(const CCameraClass&) = delete;
 
     CTLWrapper& Producer() const { return producer_; }
     GenTL::IF_HANDLE Interface() const { return interface_; }
-    GenTL::DEV_HANDLE Device() const { return device_.handle; }
+    GenTL::DEV_HANDLE DeviceHandle() const { return device_.handle; }
+    bool OwnsDevice() const { return device_.ownership == Device::owned; }
+    /// From now on the camera closes the device, which nobody else may own.
+    void TakeDevice();
     CRemoteDeviceClass& RemoteDevice() { return *remote_device_; }
     /// Null when the camera has none.
     GenApi::INodeMap* GetNodeMap() noexcept { return remote_device_ ? remote_device_->GetNodeMap() : nullptr; }
@@ -53,6 +60,7 @@ private:
     struct OpenDevice {
         CTLWrapper& producer;
         GenTL::DEV_HANDLE handle;
+        Device ownership;
         ~OpenDevice();
     };
 

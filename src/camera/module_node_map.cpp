@@ -25,14 +25,31 @@ void CModuleNodeMap::BuildNodeMap(const CTLWrapper& producer, GenTL::PORT_HANDLE
 }
 
 void read_own_node_map(CTLWrapper& producer) {
-    auto system = std::make_unique<CSystemModule>();
+    auto system = std::make_unique<CProducerModule>();
     try {
         system->BuildNodeMap(producer, producer.TL(), "TLPort");
-        producer.Adopt(std::move(system));
+        producer.OwnModule().module = std::move(system);
     } catch (const kiv::StatusError& error) {
         kiv::platform::debug_print("read_own_node_map: the producer " + producer.Path() + " serves no description (status " +
                                    std::to_string(error.code) + ")\n");
     }
+}
+
+GenApi::INodeMap* own_node_map(ModuleSlot& slot, const CTLWrapper& producer, GenTL::PORT_HANDLE port,
+                               const std::string& port_name) noexcept try {
+    GEV::CAutoLock lock(slot.section);
+    if (!slot.module) {
+        auto module = std::make_unique<CProducerModule>();
+        module->BuildNodeMap(producer, port, port_name);
+        slot.module = std::move(module);
+    }
+    return static_cast<CProducerModule&>(*slot.module).GetNodeMap();
+} catch (const std::exception& error) {
+    kiv::platform::debug_print("own_node_map: " + port_name + ": " + error.what() + "\n");
+    return nullptr;
+} catch (...) {
+    kiv::platform::debug_print("own_node_map: " + port_name + ": the module serves no description\n");
+    return nullptr;
 }
 
 }  // namespace GenICam::Factory

@@ -32,11 +32,15 @@ protected:
     std::unique_ptr<GenApi::INodeMap> node_map_;
 };
 
-/// The node map of a producer's system module, as a child of its binding.
-class CSystemModule final : public CProducerChild, public CModuleNodeMap {};
+/// The own node map of a producer's module (system, interface, local device), kept in its module's slot.
+class CProducerModule final : public CProducerChild, public CModuleNodeMap {};
 
 /// Reads the own node map of a producer that was just bound and lets the binding keep it. A producer without a description of its
 /// own is none the worse: only GenICam exceptions leave.
 void read_own_node_map(CTLWrapper& producer);
+
+/// The node map in a slot, built when first asked for. Null when the module has none; never throws.
+GenApi::INodeMap* own_node_map(ModuleSlot& slot, const CTLWrapper& producer, GenTL::PORT_HANDLE port,
+                               const std::string& port_name) noexcept;
 
 }  // namespace GenICam::Factory

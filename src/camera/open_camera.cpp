@@ -34,10 +34,11 @@ K_STATUS_CODES find_place(CFactory& factory, const char* camera_id, Place& place
     auto interface_id = interface_part(camera_id);
     if (!place.producer) return interface_id && device_part(camera_id) ? K_ST_INVALID_HANDLE : K_ST_INVALID_ID;
     if (!interface_id) return K_ST_INVALID_ID;
-    place.opened = factory.FindInterface(*place.producer, *interface_id);
+    place.opened = place.producer->FindInterface(*interface_id);
     if (!place.opened || !place.opened->Handle()) return K_ST_INVALID_HANDLE;
+    auto force_ip = factory.ForceIp();
     if (place.producer->TLSetForceIp && place.producer->IsGigE())
-        place.producer->TLSetForceIp(place.opened->Handle(), factory.ForceIp().enable, factory.ForceIp().second);
+        place.producer->TLSetForceIp(place.opened->Handle(), force_ip.enable, force_ip.second);
     auto device = device_part(camera_id);
     if (!device) return K_ST_INVALID_ID;
     place.device = *device;

@@ -27,18 +27,12 @@ std::optional<std::string> identifier(Get&& get) {
 }
 
 CInterfaceClass* opened_interface(CTLWrapper& producer, const std::string& id) {
-    auto known = producer.Interfaces().find(id);
-    if (known != producer.Interfaces().end()) return known->second.get();
-    GenTL::IF_HANDLE handle = nullptr;
-    auto status = producer.TLOpenInterface(producer.TL(), id.c_str(), &handle);
-    if (status != GenTL::GC_ERR_SUCCESS || !handle) {
+    if (auto* known = producer.FindInterface(id)) return known;
+    CInterfaceClass* opened = nullptr;
+    if (auto status = producer.OpenInterface(id, opened); status != K_ST_SUCCESS)
         platform::debug_print("list_cameras: TLOpenInterface(\"" + id + "\") failed with status " + std::to_string(status) +
                               "\n");
-        return nullptr;
-    }
-    auto& place = producer.Interfaces()[id];
-    place = std::make_unique<CInterfaceClass>(producer, id, handle);
-    return place.get();
+    return opened;
 }
 
 void list_devices(const std::string& producer_key, CInterfaceClass& opened, std::vector<std::string>& cameras) {

@@ -159,12 +159,6 @@ CTLWrapper* CFactory::FindProducer(const std::string& key) const {
     return found == producers_.end() ? nullptr : found->second.get();
 }
 
-CInterfaceClass* CFactory::FindInterface(CTLWrapper& producer, const std::string& id) const {
-    GEV::CAutoLock lock(section_);
-    auto found = producer.Interfaces().find(id);
-    return found == producer.Interfaces().end() ? nullptr : found->second.get();
-}
-
 K_STATUS_CODES CFactory::Locate(const char* camera_id, Place& place) const {
     if (!camera_id) return K_ST_INVALID_ID;
     auto producer_key = kiv::producer_part(camera_id);
@@ -172,7 +166,7 @@ K_STATUS_CODES CFactory::Locate(const char* camera_id, Place& place) const {
     auto interface_id = kiv::interface_part(camera_id);
     if (!producer_key || !device || !interface_id) return K_ST_INVALID_ID;
     place.producer = FindProducer(*producer_key);
-    place.opened = place.producer ? FindInterface(*place.producer, *interface_id) : nullptr;
+    place.opened = place.producer ? place.producer->FindInterface(*interface_id) : nullptr;
     place.device = std::move(*device);
     return place.opened ? K_ST_SUCCESS : K_ST_INVALID_HANDLE;
 }
@@ -210,6 +204,23 @@ K_STATUS_CODES CFactory::CameraAccess(const char* camera_id, std::int32_t& acces
                                                   &type, &value, &size);
     if (status == K_ST_SUCCESS) access = value;
     return status;
+}
+
+ForceIpSettings CFactory::ForceIp() const {
+    GEV::CAutoLock lock(section_);
+    return force_ip_;
+}
+
+void CFactory::EnableForceIp(std::uint32_t enable) {
+    GEV::CAutoLock lock(section_);
+    force_ip_.enable = enable;
+}
+
+void CFactory::SendActionCommand(std::uint32_t device_key, std::uint32_t group_key, std::uint32_t group_mask, void* first,
+                                 void* second) const {
+    for (auto& [key, producer] : Producers())
+        if (producer->TLSendActionCommand)
+            producer->TLSendActionCommand(producer->TL(), device_key, group_key, group_mask, first, second);
 }
 
 bool CFactory::Report(std::uint32_t index, K_PRODUCER_REPORT& report) const {

@@ -47,14 +47,18 @@ public:
     std::vector<std::string> Cameras() const;
     std::vector<std::pair<std::string, CTLWrapper*>> Producers() const;
     CTLWrapper* FindProducer(const std::string& key) const;
-    CInterfaceClass* FindInterface(CTLWrapper& producer, const std::string& id) const;
 
     K_STATUS_CODES CameraInfo(const char* camera_id, std::uint32_t command, char* buffer, std::uint32_t& size) const;
     /// The producer's DEVICE_ACCESS_STATUS of a camera that need not be open.
     K_STATUS_CODES CameraAccess(const char* camera_id, std::int32_t& access) const;
     bool Report(std::uint32_t index, K_PRODUCER_REPORT& report) const;
 
-    const ForceIpSettings& ForceIp() const { return force_ip_; }
+    ForceIpSettings ForceIp() const;
+    /// What the interfaces are told from the next update on.
+    void EnableForceIp(std::uint32_t enable);
+    /// Broadcasts an action through every producer that can; what they answer is not looked at.
+    void SendActionCommand(std::uint32_t device_key, std::uint32_t group_key, std::uint32_t group_mask, void* first,
+                           void* second) const;
 
 private:
     /// Where a camera of the list hangs.

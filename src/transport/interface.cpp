@@ -1,5 +1,6 @@
 #include "transport/interface.h"
 
+#include "transport/open_devices.h"
 #include "transport/open_interfaces.h"
 
 namespace GenICam::Factory {
@@ -9,6 +10,9 @@ CInterfaceClass::CInterfaceClass(CTLWrapper& producer, std::string id, GenTL::IF
     open_interfaces().Enter(*this);
 }
 
-CInterfaceClass::~CInterfaceClass() { open_interfaces().Remove(*this); }
+CInterfaceClass::~CInterfaceClass() {
+    open_devices().RemoveAllOf(handle_);
+    open_interfaces().Remove(*this);
+}
 
 }  // namespace GenICam::Factory

@@ -5,11 +5,9 @@
 #include <string>
 
 #include "transport/live_handles.h"
-#include "transport/producer_entries.h"
+#include "transport/tl_wrapper.h"
 
 namespace GenICam::Factory {
-
-class CTLWrapper;
 
 class CInterfaceClass {
 public:
@@ -21,11 +19,13 @@ public:
     CTLWrapper& Producer() const { return producer_; }
     GenTL::IF_HANDLE Handle() const { return handle_; }
     const std::string& Id() const { return id_; }
+    ModuleSlot& OwnModule() { return own_module_; }
 
 private:
     CTLWrapper& producer_;
     std::string id_;
     GenTL::IF_HANDLE handle_;
+    ModuleSlot own_module_;
     kiv::LiveHandle live_{this, kiv::HandleKind::interface};
 };
 

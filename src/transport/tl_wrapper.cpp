@@ -27,7 +27,7 @@ CTLWrapper::CTLWrapper() = default;
 CTLWrapper::~CTLWrapper() {
     if (TLClose && hTL) TLClose(hTL);
     if (GCCloseLib && owns_library_state_) GCCloseLib();
-    children_.clear();
+    own_module_.module.reset();
     module_.reset();
     interfaces_.clear();
 }
@@ -115,6 +115,39 @@ void CTLWrapper::WakeOwnSystemModule() const {
     const std::uint32_t zero = 0;
     std::size_t size = sizeof zero;
     GCWritePort(hTL, 0, &zero, &size);
+}
+
+CInterfaceClass* CTLWrapper::FindInterface(const std::string& id) const {
+    GEV::CAutoLock lock(interfaces_section_);
+    auto found = interfaces_.find(id);
+    return found == interfaces_.end() ? nullptr : found->second.get();
+}
+
+CInterfaceClass* CTLWrapper::InterfaceAt(std::uint32_t index) const {
+    GEV::CAutoLock lock(interfaces_section_);
+    return index < interfaces_.size() ? std::next(interfaces_.begin(), index)->second.get() : nullptr;
+}
+
+K_STATUS_CODES CTLWrapper::OpenInterface(const std::string& id, CInterfaceClass*& opened) {
+    GenTL::IF_HANDLE handle = nullptr;
+    if (auto status = TLOpenInterface(hTL, id.c_str(), &handle); status != GenTL::GC_ERR_SUCCESS) return status;
+    if (!handle) return K_ST_INVALID_HANDLE;
+    auto created = std::make_unique<CInterfaceClass>(*this, id, handle);
+    GEV::CAutoLock lock(interfaces_section_);
+    opened = (interfaces_[id] = std::move(created)).get();
+    return K_ST_SUCCESS;
+}
+
+K_STATUS_CODES CTLWrapper::CloseInterface(CInterfaceClass& closed) {
+    std::unique_ptr<CInterfaceClass> gone;
+    {
+        GEV::CAutoLock lock(interfaces_section_);
+        auto found = interfaces_.find(closed.Id());
+        if (found == interfaces_.end() || found->second.get() != &closed) return K_ST_INVALID_HANDLE;
+        gone = std::move(found->second);
+        interfaces_.erase(found);
+    }
+    return IFClose(gone->Handle());
 }
 
 bool CTLWrapper::IsGigE() {

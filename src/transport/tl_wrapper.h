@@ -12,9 +12,9 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "transport/live_handles.h"
+#include "transport/lock.h"
 #include "transport/producer_entries.h"
 #include "transport/status.h"
 
@@ -22,10 +22,16 @@ namespace GenICam::Factory {
 
 class CInterfaceClass;
 
-/// Something that lives and dies with a producer binding, as its own node map does.
+/// The own node map of a module, as far as this room needs to know it: something that lives and dies with its module.
 class CProducerChild {
 public:
     virtual ~CProducerChild() = default;
+};
+
+/// The place for it, filled when it is first asked for.
+struct ModuleSlot {
+    GEV::CCriticalSection section;
+    std::unique_ptr<CProducerChild> module;
 };
 
 class CTLWrapper : public kiv::ProducerEntries {
@@ -52,9 +58,14 @@ public:
     bool RegistryFlag() const { return registry_flag_; }
     void SetRegistryFlag(bool flag) { registry_flag_ = flag; }
 
-    /// The opened interfaces by identifier. The factory's lock guards it.
-    std::map<std::string, std::unique_ptr<CInterfaceClass>>& Interfaces() { return interfaces_; }
-    void Adopt(std::unique_ptr<CProducerChild> child) { children_.push_back(std::move(child)); }
+    /// The opened interface of that identifier, or the one at that place in their order; null when there is none.
+    CInterfaceClass* FindInterface(const std::string& id) const;
+    CInterfaceClass* InterfaceAt(std::uint32_t index) const;
+    /// Opens an interface and keeps it. One that is open already is the producer's to refuse.
+    K_STATUS_CODES OpenInterface(const std::string& id, CInterfaceClass*& opened);
+    /// Closes the interface in the producer and forgets it, whatever the producer says. `closed` is gone on return.
+    K_STATUS_CODES CloseInterface(CInterfaceClass& closed);
+    ModuleSlot& OwnModule() { return own_module_; }
 
 private:
     void ResolveMandatory();
@@ -74,8 +85,9 @@ private:
     std::string path_;
     std::string refusal_;
     std::optional<kiv::platform::DynamicLibrary> module_;
+    mutable GEV::CCriticalSection interfaces_section_;
     std::map<std::string, std::unique_ptr<CInterfaceClass>> interfaces_;
-    std::vector<std::unique_ptr<CProducerChild>> children_;
+    ModuleSlot own_module_;
     kiv::LiveHandle live_{this, kiv::HandleKind::transport_layer};
 };
 
