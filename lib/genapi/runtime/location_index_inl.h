@@ -16,7 +16,9 @@ void LocationIndex::ForEachOverlap(const Location& self, const PortNode* port, i
     for (auto* location : moving_) {
         if (location == &self || &location->Port() != port) continue;
         const auto begin = location->SeenAddress();
-        if (begin < end && address - begin < location->SeenLength()) visit(*location);
+        const auto before = static_cast<uint64_t>(address) - static_cast<uint64_t>(begin);
+        const bool reaches = begin >= address ? location->SeenLength() > 0 : before < static_cast<uint64_t>(location->SeenLength());
+        if (begin < end && reaches) visit(*location);
     }
 }
 
