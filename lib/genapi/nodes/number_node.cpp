@@ -23,7 +23,7 @@ NumberRules<T>& NumberNode<T, I, k>::ChangeableRules() {
 
 namespace {
 
-/// A limit that is given by a node counts only while that node can be read.
+/// A limit that is given by a node counts only while that node can be read. False when nothing was taken.
 template <class T>
 bool take(const Setting<T>& setting, T& limit) {
     auto* target = setting.Target();
@@ -37,16 +37,17 @@ bool take(const Setting<T>& setting, T& limit) {
 template <class T, class I, EInterfaceType k>
 Range<T> NumberNode<T, I, k>::Limits() {
     const Evaluation step(*this, Question::Limits);
-    Range<T> range;
-    const auto* rules = rules_;
-    if (!rules || !rules->min || !rules->max || !rules->inc) range = source_->Limits(*this);
-    if (!rules) return range;
-    take(rules->min, range.min);
-    take(rules->max, range.max);
-    if (take(rules->inc, range.inc)) range.hasInc = true;
+    if (!rules_) return source_->Limits(*this);
+    Range<T> own;
+    const bool hasMin = take(rules_->min, own.min), hasMax = take(rules_->max, own.max);
+    own.hasInc = take(rules_->inc, own.inc);
+    auto range = hasMin && hasMax && own.hasInc ? own : source_->Limits(*this);
+    if (hasMin) range.min = own.min;
+    if (hasMax) range.max = own.max;
+    if (own.hasInc) range.inc = own.inc, range.hasInc = true;
     if (std::is_integral_v<T> && range.inc < 1) range.inc = 1;
-    if (rules->imposedMin) range.min = std::max(range.min, *rules->imposedMin);
-    if (rules->imposedMax) range.max = std::min(range.max, *rules->imposedMax);
+    if (rules_->imposedMin) range.min = std::max(range.min, *rules_->imposedMin);
+    if (rules_->imposedMax) range.max = std::min(range.max, *rules_->imposedMax);
     return range;
 }
 

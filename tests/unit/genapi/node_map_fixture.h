@@ -81,6 +81,7 @@ public:
     explicit DescribedCamera(std::string_view nodes) : map_(load_node_map(description_of(nodes))) { map_->Connect(&memory); }
 
     GenApi::INodeMap& Map() { return *map_; }
+    std::vector<std::string> Faults() const { return description_faults(*map_); }
     GenApi::INode& Node(std::string_view name) {
         auto* node = map_->GetNode(name);
         if (!node) throw std::invalid_argument("no node " + std::string(name));
