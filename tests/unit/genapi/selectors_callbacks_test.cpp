@@ -181,9 +181,21 @@ TEST(Lock, SerialisesThreads) {
             camera.Node("F").GetVisibility();
         }
     };
-    std::thread other(work);
+    std::atomic<bool> isDone = false;
+    const auto look = [&] {  // single operations need no lock of the caller's
+        int64_t last = 0;
+        while (!isDone) {
+            const auto value = camera.Integer("F").GetValue();
+            EXPECT_GE(value, last);
+            last = value;
+            camera.Node("Twice").GetAccessMode();
+        }
+    };
+    std::thread other(work), looker(look);
     work();
     other.join();
+    isDone = true;
+    looker.join();
     EXPECT_EQ(2 * rounds, camera.Integer("F").GetValue());
     EXPECT_EQ(2 * rounds, told);
 }
