@@ -28,7 +28,12 @@ void CImageStream::Open(std::uint32_t stream_index, std::uint32_t buffer_size, s
     if (thread->Open(stream_index, buffer_size, multicast, callback)) thread_ = std::move(thread);
 }
 
-void CImageStream::BuildOwnNodeMap() { BuildNodeMap(producer_, Stream(), "StreamPort"); }
+void CImageStream::BuildOwnNodeMap() {
+    // Without a stream there is no module to ask, and a producer must not see a null handle for it.
+    auto stream = Stream();
+    if (!stream) kiv::fail(K_ST_INVALID_HANDLE);
+    BuildNodeMap(producer_, stream, "StreamPort");
+}
 
 void CImageStream::CloseThread() {
     if (thread_) thread_->Close();
