@@ -1,5 +1,11 @@
 // Where a camera's description comes from: its URL, the cache folder, archives, and texts that try to get out of the folder.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
 #include <filesystem>
+#include <future>
 
 #include "support/scripted_factory.h"
 
@@ -123,6 +129,19 @@ TEST_F(Description, FileUrlsNameFiles) {
     EXPECT_STATUS(K_ST_SUCCESS, OpenAt("File:" + encoded + "?SchemaVersion=1.0.0"));
     CloseCamera();
     EXPECT_STATUS(K_ST_GC_ERROR, OpenAt("file://" + folder.Path()));
+}
+
+TEST_F(Description, AFileUrlOfWhatIsNoFileDoesNotHang) {
+    auto pipe = folder.In("pipe.xml");
+    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+    auto opening = std::async(std::launch::async, [&] { return OpenAt("file://" + pipe); });
+    if (opening.wait_for(std::chrono::seconds(10)) != std::future_status::ready) {
+        ADD_FAILURE() << "waits for somebody to write into the pipe";
+        close(open(pipe.c_str(), O_WRONLY | O_NONBLOCK));
+    }
+    EXPECT_NE(K_ST_SUCCESS, opening.get());
+    EXPECT_NE(K_ST_SUCCESS, OpenAt("file:///dev/zero"));
+    EXPECT_EQ(nullptr, camera);
 }
 
 TEST_F(Description, APaddedTextIsTheSameText) {

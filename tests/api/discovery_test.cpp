@@ -212,6 +212,20 @@ TEST_F(Discovery, TheGigETestIsAPrefixOfTheTransportType) {
         bool answer = !type.is_gige;
         EXPECT_STATUS(K_ST_SUCCESS, K_Is_GigE_Transport_Layer(layer, &answer));
         EXPECT_EQ(type.is_gige, answer) << type.type;
+        producer->Refuse("TLGetInfo", GenTL::GC_ERR_NOT_AVAILABLE);
+        EXPECT_STATUS(K_ST_SUCCESS, K_Is_GigE_Transport_Layer(layer, &answer));
+        EXPECT_FALSE(answer) << "a producer that does not tell is none";
+        producer->Accept("TLGetInfo");
+    }
+}
+
+TEST_F(Discovery, AnExceptionOutOfAProducerEndsDiscoveryWithAStatus) {
+    for (auto* entry : {"GCInitLib", "GCGetInfo", "TLOpen", "GCGetPortURLInfo", "TLGetNumInterfaces", "IFGetDeviceID"}) {
+        producer->SetHook(entry, [](const scripted::Call&) -> std::optional<GenTL::GC_ERROR> { throw 1; });
+        EXPECT_STATUS(K_ST_ERROR, Open({{key, producer.Path()}})) << entry;
+        producer->SetHook(entry, nullptr);
+        EXPECT_STATUS(K_ST_SUCCESS, Update()) << entry;
+        EXPECT_EQ(Keys{key}, Bound()) << entry;
     }
 }
 

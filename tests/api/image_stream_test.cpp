@@ -397,6 +397,63 @@ TEST_F(ImageStream, TwoThreadsMayCloseOneStream) {
     }
 }
 
+struct Gate {
+    std::mutex lock;
+    std::condition_variable changed;
+    bool entered = false, open = false, left = false;
+};
+
+void stay_at_the_gate(void* context, K_IMAGE_INFO*) {
+    auto& gate = *static_cast<Gate*>(context);
+    std::unique_lock guard(gate.lock);
+    gate.entered = true;
+    gate.changed.notify_all();
+    gate.changed.wait(guard, [&] { return gate.open; });
+    gate.left = true;
+}
+
+TEST_F(ImageStream, ClosingWaitsUntilTheCallbackHasLeft) {
+    Gate gate;
+    ASSERT_STATUS(K_ST_SUCCESS,
+                  K_Image_OpenStream(camera, 0, &gate, reinterpret_cast<AnyFunction>(stay_at_the_gate), &stream, buffer_size, 0));
+    Deliver(image_frame(1, 64, 48));
+    std::unique_lock guard(gate.lock);
+    gate.changed.wait(guard, [&] { return gate.entered; });
+    guard.unlock();
+    bool left_before_close_returned = false;
+    std::thread closer([&] {
+        CloseStream();
+        std::lock_guard inside(gate.lock);
+        left_before_close_returned = gate.left;
+    });
+    EXPECT_TRUE(producer->WaitForCalls("DSStopAcquisition", 1)) << "closing has begun";
+    guard.lock();
+    gate.open = true;
+    guard.unlock();
+    gate.changed.notify_all();
+    closer.join();
+    EXPECT_TRUE(left_before_close_returned);
+}
+
+TEST_F(ImageStream, AnExceptionOutOfTheProducerDoesNotEndTheProgram) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    for (auto* entry : {"DSGetBufferInfo", "EventGetData"}) {
+        producer->ForgetCalls();
+        std::atomic<int> thrown = 0;
+        producer->SetHook(entry, [&](const scripted::Call&) -> std::optional<GenTL::GC_ERROR> {
+            if (thrown++ == 0) throw std::runtime_error("a producer that knows no better");
+            return std::nullopt;
+        });
+        producer->Deliver(producer->FirstStream(), image_frame(1, 64, 48));
+        EXPECT_TRUE(producer->WaitUntil([&] { return thrown > 1; })) << entry;
+        producer->SetHook(entry, nullptr);
+    }
+    images.Forget();
+    Deliver(image_frame(77, 64, 48));
+    while (images.Next().info.frame_id != 77 && !HasFailure()) {
+    }
+}
+
 THRD_HANDLE closes_itself = nullptr;
 std::atomic<K_STATUS_CODES> closed_with = K_ST_ERROR;
 void close_inside(K_IMAGE_INFO*) { closed_with = K_Image_CloseStream(closes_itself); }

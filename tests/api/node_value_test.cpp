@@ -65,6 +65,26 @@ TEST_F(NodeValue, WhatDoesNotFitIsAGenICamErrorAndLeavesTheDevice) {
     EXPECT_EQ(0u, producer->Count("GCWritePort"));
 }
 
+TEST_F(NodeValue, WithoutVerificationTheRangeIsTheDevicesBusiness) {
+    EXPECT_STATUS(K_ST_SUCCESS, K_Node_SetValueInt64(Node("Width"), false, 648));
+    EXPECT_EQ(648u, Register(scripted::reg::width));
+    EXPECT_EQ(648, Int("Width", false));
+    std::int64_t value = 5;
+    EXPECT_GENICAM_ERROR("", "Width", K_Node_GetValueInt64(Node("Width"), true, &value));
+    EXPECT_GENICAM_ERROR("", "Counter", K_Node_SetValueInt64(Node("Counter"), false, 1)) << "access is checked all the same";
+    EXPECT_STATUS(K_ST_GC_ERROR, K_Node_SetValueInt64(Node("Width"), false, std::int64_t{1} << 40)) << "32 bits hold no more";
+    EXPECT_EQ(648u, Register(scripted::reg::width));
+}
+
+TEST_F(NodeValue, AnExceptionOutOfTheProducerIsAStatus) {
+    producer->SetHook("GCReadPort", [](const scripted::Call&) -> std::optional<GenTL::GC_ERROR> { throw 1; });
+    std::int64_t value = 5;
+    EXPECT_STATUS(K_ST_ERROR, K_Node_GetValueInt64(Node("Counter"), true, &value));
+    EXPECT_EQ(5, value);
+    producer->SetHook("GCReadPort", nullptr);
+    EXPECT_EQ(7, Int("Counter")) << "and the node map is as usable as before";
+}
+
 TEST_F(NodeValue, DoublesAreFloatsOnly) {
     double value = 0;
     EXPECT_STATUS(K_ST_SUCCESS, K_Node_GetValueDouble(Node("Gain"), true, &value));
@@ -137,6 +157,7 @@ TEST_F(NodeValue, TextsOfOtherNodesAreParsed) {
     EXPECT_STATUS(K_ST_SUCCESS, SetText("Gain", "2.75"));
     EXPECT_EQ("2.75", Text("Gain"));
     EXPECT_STATUS(K_ST_SUCCESS, SetText("UserName", "0123456789abcdef"));
+    EXPECT_EQ("0123456789abcdef", Text("UserName")) << "a register that is full has no terminator";
     EXPECT_STATUS(K_ST_GC_ERROR, SetText("UserName", "0123456789abcdefg")) << "one character too many";
     for (auto* text : {"", "wide", "64px", "1e2"}) EXPECT_STATUS(K_ST_GC_ERROR, SetText("Width", text)) << text;
     EXPECT_STATUS(K_ST_GC_ERROR, SetText("Gain", "loud"));
