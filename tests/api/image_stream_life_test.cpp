@@ -1,0 +1,176 @@
+// The life of an image stream: starts that fail, cameras that go, closing from any side. It always comes back.
+#include <algorithm>
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+
+#include "api/image_stream_fixture.h"
+
+namespace kiv_test {
+namespace {
+
+TEST_F(ImageStream, AFailureOfTheStartGivesAHandleWithoutStream) {
+    struct {
+        const char* entry;
+        GenTL::GC_ERROR status;
+    } failures[] = {{"DevOpenDataStream", GenTL::GC_ERR_ACCESS_DENIED}, {"DevGetDataStreamID", GenTL::GC_ERR_NOT_IMPLEMENTED},
+                    {"DSAnnounceBuffer", GenTL::GC_ERR_OUT_OF_MEMORY},  {"DSQueueBuffer", GenTL::GC_ERR_BUSY},
+                    {"GCRegisterEvent", GenTL::GC_ERR_NOT_AVAILABLE},   {"DSStartAcquisition", GenTL::GC_ERR_INVALID_BUFFER}};
+    for (auto& failure : failures) {
+        producer->Refuse(failure.entry, failure.status);
+        EXPECT_STATUS(K_ST_INVALID_HANDLE, OpenStream()) << failure.entry;
+        producer->Accept(failure.entry);
+        ASSERT_NE(nullptr, stream) << failure.entry;
+        void* handle = this;
+        EXPECT_STATUS(K_ST_SUCCESS, K_Image_GetStreamHandle(stream, &handle));
+        EXPECT_EQ(nullptr, handle) << failure.entry;
+        EXPECT_EQ((std::vector<std::string>{"TL", "IF0", "CAM0"}), producer->OpenModules()) << failure.entry;
+        CloseStream();
+        EXPECT_EQ(0u, Register(scripted::reg::params_locked)) << failure.entry;
+    }
+}
+
+TEST_F(ImageStream, AStreamWithoutADescriptionOfItsOwnSaysSoAndStillRuns) {
+    {
+        std::lock_guard guard(producer->lock);
+        producer->FirstStream().port.urls = {"file:///no/such/stream.xml"};
+    }
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, OpenStream());
+    ASSERT_NE(nullptr, stream);
+    Deliver(image_frame(1, 64, 48));
+    EXPECT_EQ(1u, images.Next().info.frame_id);
+}
+
+TEST_F(ImageStream, ClosingTheCameraEndsItsStream) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    Deliver(image_frame(1, 64, 48));
+    images.Next();
+    CloseCamera();
+    EXPECT_EQ((std::vector<std::string>{"TL", "IF0"}), producer->OpenModules());
+    EXPECT_EQ((std::vector<std::string>{"DSClose", "DevClose"}), producer->Order({"DSClose", "DevClose"}));
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_CloseStream(stream)) << "the handle is the caller's and still closes";
+    stream = nullptr;
+}
+
+TEST_F(ImageStream, ClosingTheFactoryEndsItsStreams) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    CloseFactory();
+    camera = nullptr;
+    EXPECT_THAT(producer->OpenModules(), ::testing::IsEmpty());
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_CloseStream(stream));
+    stream = nullptr;
+}
+
+TEST_F(ImageStream, AnUnpluggedCameraEndsNothingButTheImages) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    Deliver(image_frame(1, 64, 48));
+    images.Next();
+    for (auto* entry : {"EventGetData", "GCReadPort", "GCWritePort", "DSStopAcquisition", "DSFlushQueue", "DSQueueBuffer"})
+        producer->Refuse(entry, GenTL::GC_ERR_IO);
+    producer->ForgetCalls();
+    EXPECT_TRUE(producer->WaitForCalls("EventGetData", 2)) << "the thread goes on asking";
+    auto gone = camera;
+    std::int64_t value = 0;
+    EXPECT_STATUS(K_ST_GC_ERROR, K_Camera_GetValueInt64(gone, "Counter", &value));
+    for (auto* entry : {"DSFlushQueue"}) producer->Accept(entry);
+    CloseStream();
+    CloseCamera();
+    EXPECT_EQ((std::vector<std::string>{"TL", "IF0"}), producer->OpenModules());
+}
+
+TEST_F(ImageStream, OpensAgainAfterClosing) {
+    for (std::uint64_t round = 1; round <= 3; ++round) {
+        ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+        Deliver(image_frame(round, 64, 48));
+        EXPECT_EQ(round, images.Next().info.frame_id);
+        CloseStream();
+    }
+}
+
+TEST_F(ImageStream, TwoThreadsMayCloseOneStream) {
+    for (int round = 0; round < 10; ++round) {
+        ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+        std::vector<K_STATUS_CODES> results(3);
+        std::vector<std::thread> closers;
+        for (auto& result : results) closers.emplace_back([&] { result = K_Image_CloseStream(stream); });
+        for (auto& closer : closers) closer.join();
+        std::ranges::sort(results, std::greater{});
+        EXPECT_EQ((std::vector<K_STATUS_CODES>{K_ST_SUCCESS, K_ST_INVALID_HANDLE, K_ST_INVALID_HANDLE}), results);
+        stream = nullptr;
+    }
+}
+
+struct Gate {
+    std::mutex lock;
+    std::condition_variable changed;
+    bool entered = false, open = false, left = false;
+};
+
+void stay_at_the_gate(void* context, K_IMAGE_INFO*) {
+    auto& gate = *static_cast<Gate*>(context);
+    std::unique_lock guard(gate.lock);
+    gate.entered = true;
+    gate.changed.notify_all();
+    gate.changed.wait(guard, [&] { return gate.open; });
+    gate.left = true;
+}
+
+TEST_F(ImageStream, ClosingWaitsUntilTheCallbackHasLeft) {
+    Gate gate;
+    ASSERT_STATUS(K_ST_SUCCESS,
+                  K_Image_OpenStream(camera, 0, &gate, reinterpret_cast<AnyFunction>(stay_at_the_gate), &stream, buffer_size, 0));
+    Deliver(image_frame(1, 64, 48));
+    std::unique_lock guard(gate.lock);
+    gate.changed.wait(guard, [&] { return gate.entered; });
+    guard.unlock();
+    bool left_before_close_returned = false;
+    std::thread closer([&] {
+        CloseStream();
+        std::lock_guard inside(gate.lock);
+        left_before_close_returned = gate.left;
+    });
+    EXPECT_TRUE(producer->WaitForCalls("DSStopAcquisition", 1)) << "closing has begun";
+    guard.lock();
+    gate.open = true;
+    guard.unlock();
+    gate.changed.notify_all();
+    closer.join();
+    EXPECT_TRUE(left_before_close_returned);
+}
+
+TEST_F(ImageStream, AnExceptionOutOfTheProducerDoesNotEndTheProgram) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    for (auto* entry : {"DSGetBufferInfo", "EventGetData"}) {
+        producer->ForgetCalls();
+        std::atomic<int> thrown = 0;
+        producer->SetHook(entry, [&](const scripted::Call&) -> std::optional<GenTL::GC_ERROR> {
+            if (thrown++ == 0) throw std::runtime_error("a producer that knows no better");
+            return std::nullopt;
+        });
+        producer->Deliver(producer->FirstStream(), image_frame(1, 64, 48));
+        EXPECT_TRUE(producer->WaitUntil([&] { return thrown > 1; })) << entry;
+        producer->SetHook(entry, nullptr);
+    }
+    images.Forget();
+    Deliver(image_frame(77, 64, 48));
+    while (images.Next().info.frame_id != 77 && !HasFailure()) {
+    }
+}
+
+THRD_HANDLE closes_itself = nullptr;
+std::atomic<K_STATUS_CODES> closed_with = K_ST_ERROR;
+void close_inside(K_IMAGE_INFO*) { closed_with = K_Image_CloseStream(closes_itself); }
+
+TEST_F(ImageStream, ClosingInsideTheCallbackDoesNotHang) {
+    ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStream(camera, 0, nullptr, reinterpret_cast<AnyFunction>(close_inside),
+                                                   &closes_itself, buffer_size, 0));
+    Deliver(image_frame(1, 64, 48));
+    EXPECT_TRUE(producer->WaitUntil([&] {
+        return producer->OpenModules() == std::vector<std::string>{"TL", "IF0", "CAM0"};
+    })) << "the loop ends by itself";
+    EXPECT_STATUS(K_ST_SUCCESS, closed_with.load());
+    EXPECT_EQ(10u, producer->Count("DSRevokeBuffer"));
+}
+
+}  // namespace
+}  // namespace kiv_test
