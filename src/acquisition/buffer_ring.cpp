@@ -32,7 +32,7 @@ void BufferRing::Revoke(GenTL::DS_HANDLE stream) {
     for (std::size_t i = 0; i < count_; ++i) {
         void* memory = nullptr;
         void* context = nullptr;
-        producer_.DSRevokeBuffer(stream, buffers_[i].handle, &memory, &context);
+        kiv::answer_of([&] { return producer_.DSRevokeBuffer(stream, buffers_[i].handle, &memory, &context); });
         buffers_[i] = {};
     }
     count_ = 0;

@@ -63,7 +63,7 @@ bool CStreamThread::OpenDataStream(std::uint32_t stream_index, std::uint32_t mul
 }
 
 void CStreamThread::CloseDataStream() {
-    if (auto stream = stream_.exchange(nullptr)) producer_.DSClose(stream);
+    if (auto stream = stream_.exchange(nullptr)) kiv::answer_of([&] { return producer_.DSClose(stream); });
 }
 
 bool CStreamThread::Open(std::uint32_t stream_index, std::uint32_t buffer_size, std::uint32_t multicast, ImageCallback callback) {
@@ -111,7 +111,7 @@ bool CStreamThread::StartInProducer() {
 
 void CStreamThread::StreamProcess() {
     kiv::platform::set_thread_name("kiv-stream");
-    started_well_ = StartInProducer();
+    started_well_ = kiv::answer_of([&] { return StartInProducer() ? K_ST_SUCCESS : K_ST_ERROR; }) == K_ST_SUCCESS;
     started_.Set();
     if (!started_well_) return;
 
@@ -120,7 +120,7 @@ void CStreamThread::StreamProcess() {
         info.pass_state = 1;
         GenTL::EVENT_NEW_BUFFER_DATA filled{};
         std::size_t size = sizeof filled;
-        auto status = producer_.EventGetData(new_buffer_event_, &filled, &size, event_timeout_ms);
+        auto status = kiv::answer_of([&] { return producer_.EventGetData(new_buffer_event_, &filled, &size, event_timeout_ms); });
         if (status == GenTL::GC_ERR_SUCCESS) {
             OneImage(filled, info);
         } else if (status != GenTL::GC_ERR_TIMEOUT && status != GenTL::GC_ERR_ABORT && running_) {
@@ -128,40 +128,48 @@ void CStreamThread::StreamProcess() {
             std::this_thread::sleep_for(10ms);
         }
     }
-    producer_.GCUnregisterEvent(stream_, GenTL::EVENT_NEW_BUFFER);
+    if (!closed_inside_) EndEvents();
     kiv::platform::debug_print(L">>> Terminated Stream Process Loop.\n");
-    if (closed_inside_) GiveBack();
 }
 
 void CStreamThread::OneImage(const GenTL::EVENT_NEW_BUFFER_DATA& filled, K_IMAGE_INFO& info) {
-    if (describe_buffer(producer_, stream_, filled.BufferHandle, *ring_, is_gige_, info)) {
+    auto described = kiv::answer_of([&] {
+        return describe_buffer(producer_, stream_, filled.BufferHandle, *ring_, is_gige_, info) ? K_ST_SUCCESS : K_ST_NO_DATA;
+    });
+    if (described == K_ST_SUCCESS) {
         info.pass_state = 2;
         if (!running_) return;  // closing: the buffer is revoked, not queued again
         callback_(info);
+        if (closed_inside_) return;
     }
-    if (filled.BufferHandle) producer_.DSQueueBuffer(stream_, filled.BufferHandle);
+    if (filled.BufferHandle) kiv::answer_of([&] { return producer_.DSQueueBuffer(stream_, filled.BufferHandle); });
 }
 
 void CStreamThread::Close() {
     if (!stream_) return;
     running_ = false;
+    kiv::answer_of([&] { return producer_.DSStopAcquisition(stream_, GenTL::ACQ_STOP_FLAGS_KILL); });
     if (thread_.get_id() == std::this_thread::get_id()) {
+        // Inside the callback: nobody else uses the stream now, and the loop leaves without touching it again.
         closed_inside_ = true;
+        EndEvents();
         thread_.detach();
-        return;
+    } else {
+        // Where the producer can end a wait the loop need not sit out its time.
+        if (producer_.EventKill && new_buffer_event_) kiv::answer_of([&] { return producer_.EventKill(new_buffer_event_); });
+        if (thread_.joinable()) thread_.join();
     }
-    producer_.DSStopAcquisition(stream_, GenTL::ACQ_STOP_FLAGS_KILL);
-    // Where the producer can end a wait the loop need not sit out its time.
-    if (producer_.EventKill && new_buffer_event_) producer_.EventKill(new_buffer_event_);
-    if (thread_.joinable()) thread_.join();
     GiveBack();
+}
+
+void CStreamThread::EndEvents() {
+    kiv::answer_of([&] { return producer_.GCUnregisterEvent(stream_, GenTL::EVENT_NEW_BUFFER); });
 }
 
 void CStreamThread::GiveBack() {
     auto stream = stream_.load();
-    if (closed_inside_) producer_.DSStopAcquisition(stream, GenTL::ACQ_STOP_FLAGS_KILL);
-    producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_INPUT_TO_OUTPUT);
-    producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_OUTPUT_DISCARD);
+    kiv::answer_of([&] { return producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_INPUT_TO_OUTPUT); });
+    kiv::answer_of([&] { return producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_OUTPUT_DISCARD); });
     ring_->Revoke(stream);
     CloseDataStream();
 }

@@ -45,6 +45,7 @@ public:
 private:
     bool OpenDataStream(std::uint32_t stream_index, std::uint32_t multicast);
     void CloseDataStream();
+    void EndEvents();
     void GiveBack();
     bool StartInProducer();
     void StreamProcess();
@@ -59,7 +60,7 @@ private:
     GenTL::EVENT_HANDLE new_buffer_event_ = nullptr;
     std::atomic<bool> running_ = false;
     std::atomic<bool> started_well_ = false;
-    std::atomic<bool> closed_inside_ = false;  // by the callback: the loop then gives back what Close() would
+    std::atomic<bool> closed_inside_ = false;  // by the callback: the loop must not touch the stream again
     kiv::platform::Event started_{kiv::platform::ResetMode::automatic};
     std::thread thread_;
 };

@@ -9,7 +9,7 @@ namespace GenICam::Factory {
 CCameraClass::OpenDevice::~OpenDevice() {
     if (!handle || ownership == Device::borrowed) return;
     open_devices().Remove(handle);
-    if (producer.DevClose) producer.DevClose(handle);
+    if (producer.DevClose) kiv::answer_of([&] { return producer.DevClose(handle); });
 }
 
 CCameraClass::CCameraClass(CTLWrapper& producer, GenTL::IF_HANDLE interface_handle, GenTL::DEV_HANDLE device, Device ownership)

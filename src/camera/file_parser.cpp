@@ -31,7 +31,8 @@ CFileParser::CFileParser(const CURLParser& url) {
     path_ = local_path(url.Path());
     auto native = kiv::platform::path_from_utf8(path_);
     std::error_code ignored;
-    if (std::filesystem::is_directory(native, ignored) || !std::ifstream(native).is_open())
+    // Only a file: opening a pipe would wait for somebody to write into it.
+    if (!std::filesystem::is_regular_file(native, ignored) || !std::ifstream(native).is_open())
         throw AccessException("Given file path and name could not be opened, scheme: " + url.Url(), source, __LINE__);
 }
 

@@ -27,7 +27,7 @@ bool opens_for_reading(const std::string& path) {
     if (path.empty()) return false;
     auto native = kiv::platform::path_from_utf8(path);
     std::error_code ignored;
-    return !std::filesystem::is_directory(native, ignored) && std::ifstream(native).is_open();
+    return std::filesystem::is_regular_file(native, ignored) && std::ifstream(native).is_open();
 }
 
 // Numbers that callers use, and the producer's numbers for them.

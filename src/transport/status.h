@@ -20,4 +20,15 @@ inline void require_success(K_STATUS_CODES status) {
     if (status != K_ST_SUCCESS) fail(status);
 }
 
+/// Calls into a producer from where nothing may be thrown (destructors, threads of ours). A producer is foreign code: what it
+/// throws counts as its failure.
+template <class Call>
+K_STATUS_CODES answer_of(Call&& call) noexcept {
+    try {
+        return call();
+    } catch (...) {
+        return K_ST_ERROR;
+    }
+}
+
 }  // namespace kiv

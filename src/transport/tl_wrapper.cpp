@@ -25,8 +25,8 @@ bool resolve(const kiv::platform::DynamicLibrary& module, Function& entry, const
 CTLWrapper::CTLWrapper() = default;
 
 CTLWrapper::~CTLWrapper() {
-    if (TLClose && hTL) TLClose(hTL);
-    if (GCCloseLib && owns_library_state_) GCCloseLib();
+    if (TLClose && hTL) kiv::answer_of([&] { return TLClose(hTL); });
+    if (GCCloseLib && owns_library_state_) kiv::answer_of([&] { return GCCloseLib(); });
     own_module_.module.reset();
     module_.reset();
     interfaces_.clear();

@@ -26,7 +26,8 @@ struct SinkState {
 };
 
 SinkState& state() {
-    static SinkState only;
+    // Never destroyed: threads that the process does not wait for may still print while it exits.
+    static SinkState& only = *std::make_unique<SinkState>().release();
     return only;
 }
 

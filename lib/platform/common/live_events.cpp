@@ -1,9 +1,12 @@
 #include "common/live_events.h"
 
+#include <memory>
+
 namespace kiv::platform {
 
 LiveEvents& LiveEvents::Instance() {
-    static LiveEvents table;
+    // Never destroyed: threads that the process does not wait for may still end their events while it exits.
+    static LiveEvents& table = *std::make_unique<LiveEvents>().release();
     return table;
 }
 
