@@ -51,7 +51,6 @@ public:
     void WriteFloat(double value, bool verify) override;
     Range<int64_t> IntegerLimits() override;
     Range<double> FloatLimits() override;
-    bool IsFresh() override { return IsValueFresh() || source_->IsFresh(*this); }
     bool IsPolledNow() override { return isSelfClearing_; }
 
     EnumEntryNode* Named(std::string_view symbolic);
@@ -62,6 +61,7 @@ public:
     bool hasSelfClearing_ = false;
 
 protected:
+    bool IsSourceFresh() override { return source_->IsFresh(*this); }
     EAccessMode SourceMode() override { return source_->Mode(*this); }
     std::string CurrentText() override;
     void SetText(std::string_view text, bool verify) override;

@@ -51,7 +51,6 @@ public:
     void ImposeMin(T value) final;
     void ImposeMax(T value) final;
 
-    bool IsFresh() override { return this->IsValueFresh() || source_->IsFresh(*this); }
     Node* Shown() override { return source_->Shown(*this); }
 
     T ReadNumber() { return kept_.Read(*this, *source_); }
@@ -63,6 +62,7 @@ public:
     NumberRules<T>* rules_ = nullptr;
 
 protected:
+    bool IsSourceFresh() override { return source_->IsFresh(*this); }
     EAccessMode SourceMode() override { return source_->Mode(*this); }
     void VerifyValue() override { RequireInRange(ReadNumber()); }
     void RequireInRange(T value);

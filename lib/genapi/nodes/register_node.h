@@ -12,9 +12,9 @@ class BytesNode : public Showing<GenApi::IValue, GenApi::intfIRegister> {
 public:
     using Showing::Showing;
     explicit BytesNode(Engine& engine, uint32_t index, RegisterAccess* access) : Showing(engine, index), bytes_(access) {}
-    bool IsFresh() override { return bytes_->IsFresh(); }
 
 protected:
+    bool IsSourceFresh() override { return bytes_->IsFresh(); }
     EAccessMode SourceMode() override { return bytes_->Mode(); }
     std::string CurrentText() override;
     void SetText(std::string_view text, bool verify) override;

@@ -84,12 +84,12 @@ public:
     std::string ReadString() override;
     void WriteString(std::string_view value, bool verify) override;
     int64_t LongestString() override;
-    bool IsFresh() override { return source_->IsFresh(*this); }
 
     // Set by the linker.
     TextSource* source_ = nullptr;
 
 protected:
+    bool IsSourceFresh() override { return source_->IsFresh(*this); }
     EAccessMode SourceMode() override { return source_->Mode(*this); }
     std::string CurrentText() override { return ReadString(); }
     void SetText(std::string_view text, bool verify) override { WriteString(text, verify); }

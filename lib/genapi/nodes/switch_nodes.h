@@ -19,13 +19,13 @@ public:
     void WriteFloat(double value, bool verify) override { WriteInteger(value != 0.0, verify); }
     Range<int64_t> IntegerLimits() override { return {0, 1, 1, true}; }
     Range<double> FloatLimits() override { return {0.0, 1.0, 1.0, false}; }
-    bool IsFresh() override { return IsValueFresh() || source_->IsFresh(*this); }
 
     // Set by the linker.
     Source<int64_t>* source_ = nullptr;
     int64_t on_ = 1, off_ = 0;
 
 protected:
+    bool IsSourceFresh() override { return source_->IsFresh(*this); }
     EAccessMode SourceMode() override { return source_->Mode(*this); }
     std::string CurrentText() override { return ReadInteger() ? "1" : "0"; }
     void SetText(std::string_view text, bool verify) override;

@@ -13,7 +13,7 @@ namespace kiv::genapi {
 class Node;
 struct Engine;
 
-enum class Question : uint8_t { Value = 1, Mode = 2, Limits = 4, Write = 8 };
+enum class Question : uint8_t { Value = 1, Mode = 2, Limits = 4, Write = 8, Freshness = 16 };
 
 /// The state of what is being evaluated in one map; guarded by the map's lock.
 struct Evaluator {

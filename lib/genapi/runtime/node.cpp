@@ -156,6 +156,12 @@ void Node::CheckErrors() {
 
 // ---- invalidation and callbacks ----
 
+bool Node::IsFresh() {
+    if (IsValueFresh()) return true;
+    const Evaluation step(*this, Question::Freshness);
+    return IsSourceFresh();
+}
+
 void Node::InvalidateNode() {
     Run("InvalidateNode", [&] { engine_.Outdated(index_); });
 }

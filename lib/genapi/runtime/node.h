@@ -109,7 +109,7 @@ public:
     /// The node whose unit, representation and notation count where this one has none of its own; null for none.
     virtual Node* Shown() { return nullptr; }
     /// Whether a read would not touch the device.
-    virtual bool IsFresh() { return IsValueFresh(); }
+    bool IsFresh();
     virtual ECachingMode OwnCaching() const { return GenApi::WriteThrough; }
     /// Whether Poll() has to look after this node now.
     virtual bool IsPolledNow() { return true; }
@@ -135,6 +135,9 @@ public:
 protected:
     /// The mode before conditions and impositions: that of whatever holds the value.
     virtual EAccessMode SourceMode() { return GenApi::RW; }
+
+    /// Whether reading what holds the value would not touch the device.
+    virtual bool IsSourceFresh() { return false; }
 
     /// Runs the body of a call from outside: locked, errors with this node's name, callbacks at the end.
     template <class Body>

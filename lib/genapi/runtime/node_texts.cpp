@@ -105,6 +105,7 @@ void Node::GetPropertyNames(GenICam::gcstring_vector& names) const {
         names.push_back(name_of(property.tag));
     }
     if (GetRecord().element == Element::Enumeration && !Find(Tag::pEnumEntry)) names.push_back(name_of(Tag::pEnumEntry));
+    if (!GetRecord().symbolic.empty() && !Find(Tag::Symbolic)) names.push_back(name_of(Tag::Symbolic));
 }
 
 bool Node::GetProperty(const gcstring& name, gcstring& value, gcstring& attribute) const {
@@ -123,6 +124,7 @@ bool Node::GetProperty(const gcstring& name, gcstring& value, gcstring& attribut
     };
     for (const auto& property : engine_.table.Properties(GetRecord()))
         if (property.tag == *tag) add(property.Text(), property.AttributeText());
+    if (*tag == Tag::Symbolic && !found && !GetRecord().symbolic.empty()) add(GetRecord().symbolic, {});
     if (*tag == Tag::pEnumEntry) {
         const auto& records = engine_.table.records;
         for (size_t i = index_ + 1; i < records.size() && records[i].owner == index_; ++i) add(records[i].name, {});

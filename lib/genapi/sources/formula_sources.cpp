@@ -96,7 +96,7 @@ bool FormulaSet<T>::IsReadable(const Node* except) const {
 template <class T>
 bool FormulaSet<T>::IsFresh() const {
     return std::all_of(variables_.begin(), variables_.end(),
-                       [](const Variable& variable) { return variable.part != Part::Value || variable.node->IsValueFresh(); });
+                       [](const Variable& variable) { return variable.part != Part::Value || variable.node->IsFresh(); });
 }
 
 // ---- converters ----

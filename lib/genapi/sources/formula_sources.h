@@ -32,7 +32,7 @@ public:
     void Compile(Node& self, Tag tag, std::string_view operand);
     /// Whether all variables but `except` can be read.
     bool IsReadable(const Node* except) const;
-    /// The time of the variable reads is what matters, so they are fresh or not.
+    /// Whether reading the variables would not touch the device.
     bool IsFresh() const;
 
 private:

@@ -18,6 +18,7 @@ TEST(Cycles, OfValuesAreNamed) {
     EXPECT_NODE_ERROR(LogicalErrorException, camera.Integer("A").SetValue(1, false), "A", "refers to itself");
     EXPECT_NODE_ERROR(LogicalErrorException, camera.Integer("A").GetMin(), "A", "refers to itself");
     EXPECT_NODE_ERROR(LogicalErrorException, camera.Integer("K").GetValue(), "K", "K -> C -> K");
+    for (const auto* name : {"A", "K", "Limit2", "S", "R"}) EXPECT_FALSE(camera.Value(name).IsValueCacheValid()) << name;
     EXPECT_NODE_ERROR(LogicalErrorException, camera.String("S").GetValue(), "S", "S -> S");
     EXPECT_NODE_ERROR(LogicalErrorException, camera.Integer("R").GetValue(), "R", "R -> R");
     EXPECT_THROW(camera.Integer("Limit").SetValue(1), GenICam::LogicalErrorException);

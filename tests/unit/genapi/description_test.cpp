@@ -50,6 +50,8 @@ TEST(Properties, ListWhatStandsInTheNode) {
     EXPECT_EQ("", attribute);
     ASSERT_TRUE(camera.Node("E").GetProperty("pEnumEntry", value, attribute));
     EXPECT_EQ("EnumEntry_E_P\tEnumEntry_E_Q", value);
+    ASSERT_TRUE(camera.Node("EnumEntry_E_Q").GetProperty("Symbolic", value, attribute));
+    EXPECT_EQ("Q", value);
     EXPECT_FALSE(node.GetProperty("Address", value, attribute));
     EXPECT_FALSE(node.GetProperty("Nonsense", value, attribute));
     EXPECT_EQ("", value);
