@@ -1,6 +1,7 @@
 // The life of an image stream: starts that fail, cameras that go, closing from any side. It always comes back.
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -158,17 +159,17 @@ TEST_F(ImageStream, AnExceptionOutOfTheProducerDoesNotEndTheProgram) {
 }
 
 THRD_HANDLE closes_itself = nullptr;
-std::atomic<K_STATUS_CODES> closed_with = K_ST_ERROR;
-void close_inside(K_IMAGE_INFO*) { closed_with = K_Image_CloseStream(closes_itself); }
+std::promise<K_STATUS_CODES> closed_with;
+void close_inside(K_IMAGE_INFO*) { closed_with.set_value(K_Image_CloseStream(closes_itself)); }
 
 TEST_F(ImageStream, ClosingInsideTheCallbackDoesNotHang) {
     ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStream(camera, 0, nullptr, reinterpret_cast<AnyFunction>(close_inside),
                                                    &closes_itself, buffer_size, 0));
     Deliver(image_frame(1, 64, 48));
-    EXPECT_TRUE(producer->WaitUntil([&] {
-        return producer->OpenModules() == std::vector<std::string>{"TL", "IF0", "CAM0"};
-    })) << "the loop ends by itself";
-    EXPECT_STATUS(K_ST_SUCCESS, closed_with.load());
+    auto closed = closed_with.get_future();
+    ASSERT_EQ(std::future_status::ready, closed.wait_for(std::chrono::seconds(10)));
+    EXPECT_STATUS(K_ST_SUCCESS, closed.get());
+    EXPECT_EQ((std::vector<std::string>{"TL", "IF0", "CAM0"}), producer->OpenModules()) << "nothing is left for later";
     EXPECT_EQ(10u, producer->Count("DSRevokeBuffer"));
 }
 
