@@ -1,5 +1,6 @@
 #include "acquisition/buffer_ring.h"
 
+#include <cstdint>
 #include <new>
 
 namespace ImageLib {
@@ -39,11 +40,11 @@ void BufferRing::Revoke(GenTL::DS_HANDLE stream) {
 }
 
 bool BufferRing::Holds(const void* base, std::size_t size) const {
-    auto* first = static_cast<const std::byte*>(base);
+    auto first = reinterpret_cast<std::uintptr_t>(base);
     for (std::size_t i = 0; i < count_; ++i) {
-        auto* start = buffers_[i].memory.get();
-        if (first >= start && first <= start + buffer_size_)
-            return size <= static_cast<std::size_t>(start + buffer_size_ - first);
+        // Buffers may lie side by side: the end of one is the start of the next, and only the size tells which is meant.
+        auto start = reinterpret_cast<std::uintptr_t>(buffers_[i].memory.get());
+        if (first >= start && size <= buffer_size_ && first - start <= buffer_size_ - size) return true;
     }
     return false;
 }

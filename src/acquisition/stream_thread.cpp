@@ -156,13 +156,20 @@ void CStreamThread::Close() {
         thread_.detach();
     } else {
         // Where the producer can end a wait the loop need not sit out its time.
-        if (producer_.EventKill && new_buffer_event_) kiv::answer_of([&] { return producer_.EventKill(new_buffer_event_); });
+        KillWait();
         if (thread_.joinable()) thread_.join();
     }
     GiveBack();
 }
 
+void CStreamThread::KillWait() {
+    std::lock_guard lock(event_lock_);
+    if (producer_.EventKill && new_buffer_event_) kiv::answer_of([&] { return producer_.EventKill(new_buffer_event_); });
+}
+
 void CStreamThread::EndEvents() {
+    std::lock_guard lock(event_lock_);
+    new_buffer_event_ = nullptr;
     kiv::answer_of([&] { return producer_.GCUnregisterEvent(stream_, GenTL::EVENT_NEW_BUFFER); });
 }
 

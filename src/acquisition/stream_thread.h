@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -45,6 +46,7 @@ public:
 private:
     bool OpenDataStream(std::uint32_t stream_index, std::uint32_t multicast);
     void CloseDataStream();
+    void KillWait();
     void EndEvents();
     void GiveBack();
     bool StartInProducer();
@@ -57,6 +59,7 @@ private:
     std::optional<BufferRing> ring_;
     ImageCallback callback_;
     bool is_gige_ = false;
+    std::mutex event_lock_;  // between the loop that ends the event and a close that kills a wait on it
     GenTL::EVENT_HANDLE new_buffer_event_ = nullptr;
     std::atomic<bool> running_ = false;
     std::atomic<bool> started_well_ = false;
