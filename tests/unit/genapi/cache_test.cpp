@@ -74,6 +74,17 @@ TEST(Caching, OfARegisterEndsWhenAnotherOneOverlapsIt) {
     EXPECT_EQ(3, camera.memory.reads);
 }
 
+TEST(Caching, OfALongRegisterEndsWhereverItIsOverlapped) {
+    DescribedCamera camera(
+        R"(<Register Name="Long"><Address>0</Address><Length>64</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>)" +
+        int_reg("Early", 2, "", 1) + int_reg("Late", 40, "", 1));
+    uint8_t bytes[64];
+    camera.Register("Long").Get(bytes, 64);
+    camera.Integer("Late").SetValue(9);
+    camera.Register("Long").Get(bytes, 64);
+    EXPECT_EQ(9, bytes[40]);
+}
+
 TEST(Invalidation, ReachesTheRegisterBehindANode) {
     DescribedCamera camera(R"(<Integer Name="F"><pValue>G</pValue></Integer><Integer Name="G"><pValue>R</pValue></Integer>)" +
                            int_reg("R", 0));
@@ -148,8 +159,10 @@ TEST(SelfClearingEntry, IsReadFromTheDeviceUntilItIsGone) {
                            int_reg("AutoReg", 0));
     auto& mode = camera.Enumeration("Auto");
     mode.FromString("Once");
+    EXPECT_EQ(1, mode.GetIntValue());
     EXPECT_EQ("Once", mode.ToString());
     camera.memory.Put(0, {0});
+    EXPECT_EQ(0, mode.GetIntValue());
     EXPECT_EQ("Off", mode.ToString());
     const int reads = camera.memory.reads;
     EXPECT_EQ("Off", mode.ToString());

@@ -68,6 +68,7 @@ TEST(Converters, LeadToTheDeviceAndBack) {
         <IntConverter Name="Lines"><FormulaTo>FROM - 1</FormulaTo><FormulaFrom>TO + 1</FormulaFrom><pValue>Raw</pValue></IntConverter>
         <Converter Name="Wild"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>Raw</pValue><Slope>Varying</Slope></Converter>
         <Converter Name="Line"><FormulaTo>FROM / 0.5</FormulaTo><FormulaFrom>TO * 0.5</FormulaFrom><pValue>Stepped</pValue><IsLinear>Yes</IsLinear></Converter>
+        <Converter Name="Falling"><FormulaTo>500 - FROM</FormulaTo><FormulaFrom>500 - TO</FormulaFrom><pValue>Stepped</pValue></Converter>
         <Integer Name="Stepped"><Value>0</Value><Min>0</Min><Max>100</Max><Inc>4</Inc></Integer>
         <Integer Name="Step"><Value>1</Value></Integer>
         <Integer Name="Period"><Value>10000</Value><Min>100</Min><Max>1000000</Max></Integer>)" +
@@ -92,6 +93,8 @@ TEST(Converters, LeadToTheDeviceAndBack) {
     EXPECT_EQ(0, camera.Integer("Raw").GetValue());
     EXPECT_EQ(1, camera.Integer("Lines").GetMin());
     EXPECT_EQ(-std::numeric_limits<double>::max(), camera.Float("Wild").GetMin());
+    EXPECT_EQ(400.0, camera.Float("Falling").GetMin()) << "nobody said that it falls";
+    EXPECT_EQ(500.0, camera.Float("Falling").GetMax());
     EXPECT_FALSE(camera.Float("Gain").HasInc());
     EXPECT_NODE_ERROR(LogicalErrorException, camera.Float("Gain").GetInc(), "Gain", "no increment");
     EXPECT_TRUE(camera.Float("Line").HasInc());

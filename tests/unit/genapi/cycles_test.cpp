@@ -83,6 +83,13 @@ TEST(Work, IsLimitedWhereEveryLevelDoublesIt) {
     EXPECT_THROW(camera.Integer("N0").SetValue(1), GenICam::GenericException);
 }
 
+TEST(Work, OfOneCallIsNotPutDownToTheNext) {
+    DescribedCamera camera(
+        R"(<Integer Name="F"><pValue>G</pValue></Integer><Integer Name="G"><Value>1</Value><Max>9</Max></Integer>)");
+    auto& feature = camera.Integer("F");
+    for (int i = 0; i < 600'000; ++i) ASSERT_EQ(9, feature.GetMax());
+}
+
 TEST(Work, IsProportionalWhereEverythingDependsOnEverything) {
     // Registers that are all invalidated by each other: a write walks each of the edges once, not a tree of them.
     std::string all, nodes;

@@ -1,6 +1,7 @@
 // What changes together, and who is told.
 #include <atomic>
 #include <thread>
+#include <utility>
 
 #include "unit/genapi/node_map_fixture.h"
 
@@ -141,6 +142,18 @@ TEST(Callbacks, MayChangeNodesAndRemoveThemselves) {
     EXPECT_EQ(1, toldB);
     EXPECT_FALSE(camera.Node("A").DeregisterCallback(own));
     EXPECT_FALSE(camera.Node("A").DeregisterCallback(other));
+}
+
+TEST(Callbacks, AreNotCalledOnceTheyAreRemoved) {
+    DescribedCamera camera(R"(<Integer Name="A"><Value>0</Value></Integer>)");
+    CallbackHandleType second = 0, third = 0;
+    int told = 0;
+    Register(&camera.Node("A"), [&](INode*) { Deregister(std::exchange(second, 0)), Deregister(std::exchange(third, 0)); });
+    second = Register(&camera.Node("A"), [&](INode*) { ++told; });
+    third = Register(
+        &camera.Node("A"), [&](INode*) { ++told; }, cbPostOutsideLock);
+    camera.Integer("A").SetValue(1);
+    EXPECT_EQ(0, told);
 }
 
 TEST(Callbacks, ThatKeepChangingEachOtherEnd) {
