@@ -53,7 +53,9 @@ K_API K_STATUS_CODES K_CALL K_Image_GetStreamInfo(THRD_HANDLE hThread, int32_t i
         auto& stream = image_stream(hThread);
         auto get = entry(stream.Producer().DSGetInfo);
         auto& size = out(pSize);
-        return get(stream.Stream(), infoCmd, Ignored<GenTL::INFO_DATATYPE>(), buffer, WideSize(size));
+        auto opened = stream.Stream();
+        handle(opened);
+        return get(opened, infoCmd, Ignored<GenTL::INFO_DATATYPE>(), buffer, WideSize(size));
     });
 }
 

@@ -67,9 +67,7 @@
     X(TLSendActionCommand)
 
 // Standard entries that make things better where they exist and are not asked for where they do not.
-#define KIV_OPTIONAL_ENTRIES(X) \
-    X(EventKill)                \
-    X(GCGetPortInfo)
+#define KIV_OPTIONAL_ENTRIES(X) X(EventKill)
 
 namespace kiv {
 
