@@ -82,16 +82,18 @@ Source<T>& LinkContext::MakeTable(Node& node) {
 template <class T>
 Source<T>& LinkContext::MakeSource(Node& node) {
     if (node.Find(Tag::pIndex)) return MakeTable<T>(node);
-    if (node.Find(Tag::pValue)) {
+    const auto* value = node.Find(Tag::pValue);
+    if (value && !node.Find(Tag::pValueCopy)) return engine.arena.Make<NodeSource<T>>(Required(node, *value));
+    if (value) {
         std::vector<Node*> targets;
         size_t shown = 0;
         for (const auto& property : engine.table.Properties(node.GetRecord())) {
             if (property.tag == Tag::pValue) shown = targets.size();
             if (property.tag == Tag::pValue || property.tag == Tag::pValueCopy) targets.push_back(&Required(node, property));
         }
-        return engine.arena.Make<NodeSource<T>>(std::move(targets), shown);
+        return engine.arena.Make<CopiedSource<T>>(std::move(targets), shown);
     }
-    const auto* value = node.Find(Tag::Value);
+    value = node.Find(Tag::Value);
     if (!value) throw LinkError("It has no value.");
     if (const auto word = std::is_integral_v<T> ? parse_boolean(value->Text()) : std::nullopt)
         return engine.arena.Make<StoredSource<T>>(static_cast<T>(*word));

@@ -24,7 +24,7 @@ struct LinkError : std::runtime_error {
 
 class LinkContext {
 public:
-    explicit LinkContext(Engine& target) : engine(target) {}
+    explicit LinkContext(Engine& target) : engine(target) { locations_.reserve(target.table.records.size() / 2); }
 
     // Texts of a node's properties as values. Throw LinkError when they are none.
 

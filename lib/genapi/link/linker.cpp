@@ -232,6 +232,7 @@ private:
     void MakeNodes() {
         const auto& records = engine_.table.records;
         engine_.nodes.reserve(records.size());
+        engine_.arena.Reserve(3 * records.size());  // a node, its source, its location
         for (uint32_t i = 0; i < records.size(); ++i) {
             auto& node = elementRows[static_cast<size_t>(records[i].element)].make(context_, i);
             engine_.nodes.push_back(&node);

@@ -76,7 +76,7 @@ Attribute read_attribute(pugi::xml_node element, Tag tag, std::string_view& text
 }
 
 void Reader::ReadProperties(pugi::xml_node element, std::vector<Property>& properties) {
-    for (const auto child : element.children()) {
+    for (auto child = element.first_child(); child; child = child.next_sibling()) {
         const auto tag = find_tag(child.name());
         if (!tag) continue;
         const bool isNode = *tag == Tag::IntSwissKnife;  // stands for its name here and is read as a node later

@@ -19,6 +19,9 @@ public:
         for (auto it = owned_.rbegin(); it != owned_.rend(); ++it) it->destroy(it->object);
     }
 
+    /// Room for the bookkeeping of so many objects.
+    void Reserve(size_t objects) { owned_.reserve(objects); }
+
     template <class T, class... Arguments>
     T& Make(Arguments&&... arguments) {
         if (owned_.size() == owned_.capacity()) owned_.reserve(owned_.size() * 2 + 64);  // so that push_back cannot fail

@@ -10,10 +10,14 @@ namespace kiv::genapi {
 class Location;
 class PortNode;
 
-/// Locations whose address never changes are kept sorted; the others are few and are asked where they stand now.
+/// Locations whose address never changes are kept sorted; of the others those that have been read are listed with the place that
+/// their bytes are of.
 class LocationIndex {
 public:
     void Build(const std::vector<Location*>& locations);
+
+    /// The bytes that `location` keeps are now those of [address, address + length).
+    void Seen(Location& location, int64_t address, int64_t length);
 
     /// Calls `visit` for every location but `self` on the same port that has bytes of [address, address + length).
     template <class Visit>
@@ -30,7 +34,13 @@ private:
     std::size_t FirstBehind(const PortNode* port, int64_t address) const;
 
     std::vector<Fixed> fixed_;  // by port, then by beginning
-    std::vector<Location*> moving_;
+    struct Moving {
+        const PortNode* port;
+        int64_t begin;
+        int64_t length;
+        Location* location;
+    };
+    std::vector<Moving> moving_;
 };
 
 }  // namespace kiv::genapi

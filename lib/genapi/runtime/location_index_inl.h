@@ -13,12 +13,11 @@ void LocationIndex::ForEachOverlap(const Location& self, const PortNode* port, i
         if (fixed.port != port || fixed.furthestEnd <= address) break;
         if (fixed.end > address && fixed.location != &self) visit(*fixed.location);
     }
-    for (auto* location : moving_) {
-        if (location == &self || &location->Port() != port) continue;
-        const auto begin = location->SeenAddress();
-        const auto before = static_cast<uint64_t>(address) - static_cast<uint64_t>(begin);
-        const bool reaches = begin >= address ? location->SeenLength() > 0 : before < static_cast<uint64_t>(location->SeenLength());
-        if (begin < end && reaches) visit(*location);
+    for (const auto& moving : moving_) {
+        if (moving.port != port || moving.begin >= end || moving.location == &self) continue;
+        const auto before = static_cast<uint64_t>(address) - static_cast<uint64_t>(moving.begin);
+        const bool reaches = moving.begin >= address ? moving.length > 0 : before < static_cast<uint64_t>(moving.length);
+        if (reaches) visit(*moving.location);
     }
 }
 

@@ -50,10 +50,9 @@ EAccessMode Location::Mode() {
     return port_.Mode();
 }
 
-void Location::Keep(std::span<const uint8_t> bytes) {
-    bytes_.Resize(bytes.size());
-    std::copy(bytes.begin(), bytes.end(), bytes_.All().begin());
-    seenAddress_ = address_;
+void Location::SawAt(int64_t address) {
+    seenAddress_ = address;
+    engine_.locationIndex.Seen(*this, address, SeenLength());
 }
 
 std::span<const uint8_t> Location::Read(ECachingMode caching) {
@@ -76,7 +75,7 @@ std::span<const uint8_t> Location::Read(ECachingMode caching) {
     port_.ReadBytes(fresh.All(), address_);
     const bool differs = wasReliedOn && !std::ranges::equal(fresh.All(), bytes_.All());
     std::swap(bytes_, fresh);
-    seenAddress_ = address_;
+    SawAt(address_);
     epoch_ = evaluator.epoch;
     isValid_ = wasValid || caching != NoCache;
     if (differs) engine_.Changed(vertex_);
@@ -91,7 +90,7 @@ std::span<const uint8_t> Location::Known() {
     if (!sameRange || !isValid_) {
         bytes_.Resize(static_cast<size_t>(currentLength_));
         std::ranges::fill(bytes_.All(), uint8_t{0});
-        seenAddress_ = address_;
+        SawAt(address_);
         Drop();
     }
     return bytes_.All();
@@ -116,8 +115,9 @@ void Location::Write(std::span<const uint8_t> bytes, ECachingMode caching) {
         throw;
     }
     spread();
-    Keep(bytes);
-    seenAddress_ = address;
+    bytes_.Resize(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), bytes_.All().begin());
+    SawAt(address);
     isReliedOn_ = isValid_ = caching == WriteThrough;
 }
 

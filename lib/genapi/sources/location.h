@@ -51,11 +51,10 @@ public:
     /// All that depends on the register has been told that it changes.
     void Announced() { isPlaced_ = false, isReliedOn_ = false; }
     void Drop() { isValid_ = false, epoch_ = 0; }
-    /// Where the bytes that are kept come from; for finding overlaps.
-    int64_t SeenAddress() const { return seenAddress_; }
-    int64_t SeenLength() const { return static_cast<int64_t>(bytes_.Size()); }
 
 private:
+    friend class LocationIndex;
+
     /// Bytes, without memory of their own as long as they fit an integer.
     class Bytes {
     public:
@@ -73,7 +72,9 @@ private:
     };
 
     void Place();
-    void Keep(std::span<const uint8_t> bytes);
+    int64_t SeenLength() const { return static_cast<int64_t>(bytes_.Size()); }
+    /// bytes_ are now those of that address.
+    void SawAt(int64_t address);
 
     Engine& engine_;
     PortNode& port_;
@@ -82,9 +83,11 @@ private:
     Setting<int64_t> length_;
     int64_t address_ = 0;
     int64_t currentLength_ = 0;
-    bool isPlaced_ = false;  // address_ and currentLength_ are true
-    bool isValid_ = false;   // bytes_ are what the register holds
+    bool isPlaced_ = false;    // address_ and currentLength_ are true
+    bool isValid_ = false;     // bytes_ are what the register holds
     bool isReliedOn_ = false;  // somebody may keep what was computed from bytes_, and would not be told that they differ
+    static constexpr uint32_t notListed = UINT32_MAX;
+    uint32_t listed_ = notListed;  // its place in the index of moving locations
     uint32_t vertex_;
     uint64_t epoch_ = 0;  // the question in which bytes_ were read
     int64_t seenAddress_ = 0;

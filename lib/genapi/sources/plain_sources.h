@@ -26,12 +26,28 @@ private:
     T value_;
 };
 
-/// The value of another node, and copies of it that are only written.
+/// The value of another node.
 template <class T>
 class NodeSource final : public Source<T> {
 public:
+    explicit NodeSource(Node& target) : target_(target) {}
+    T Read(Node&) override { return read_from<T>(target_); }
+    void Write(Node&, T value, bool verify) override { write_to(target_, value, verify); }
+    Range<T> Limits(Node&) override { return limits_of<T>(target_); }
+    EAccessMode Mode(Node&) override { return target_.Mode(); }
+    Node* Shown(Node&) override { return &target_; }
+    bool IsFresh(Node&) override { return target_.IsFresh(); }
+
+private:
+    Node& target_;
+};
+
+/// The value of another node, and copies of it that are only written.
+template <class T>
+class CopiedSource final : public Source<T> {
+public:
     /// `targets` in the order of writing; the one at `shown` is read.
-    NodeSource(std::vector<Node*> targets, size_t shown) : targets_(std::move(targets)), shown_(shown) {}
+    CopiedSource(std::vector<Node*> targets, size_t shown) : targets_(std::move(targets)), shown_(shown) {}
 
     T Read(Node&) override { return read_from<T>(*targets_[shown_]); }
 
@@ -52,7 +68,6 @@ public:
 
     EAccessMode Mode(Node&) override {
         auto mode = targets_[shown_]->Mode();
-        if (targets_.size() == 1) return mode;
         for (auto* target : targets_)
             if (!IsWritable(Combine(target->Mode(), GenApi::RW))) mode = Combine(mode, GenApi::RO);
         return HasOneIncrement() ? mode : Combine(mode, GenApi::RO);
