@@ -94,6 +94,7 @@ Feature read_feature(const Node& node) {
         feature.access = node.Access();
         feature.unit = node.Unit();
         for (const Node& selector : node.Selecting()) feature.selected_by.push_back(selector.Name());
+        for (const Node& selected : node.Selected()) feature.selects.push_back(selected.Name());
         for (const Node& entry : node.Entries())
             feature.entries.push_back(
                 {entry.Symbolic(feature.name), entry.DisplayName(), entry.EntryValue(), entry.IsAvailable()});
@@ -120,6 +121,7 @@ Json to_json(const Feature& feature) {
         if (!value->is_null()) json[key] = *value;
     for (const EnumEntry& entry : feature.entries) json["entries"].push_back(entry_json(entry));
     if (!feature.selected_by.empty()) json["selected_by"] = feature.selected_by;
+    if (!feature.selects.empty()) json["selects"] = feature.selects;
     if (!feature.error.empty()) json["error"] = feature.error;
     return json;
 }
@@ -144,3 +146,4 @@ std::string range_for_reading(const Feature& feature) {
 }
 
 std::string json_text(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"; }
+std::string json_line(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n"; }

@@ -28,8 +28,9 @@ struct Feature {
     nlohmann::json min, max;  ///< numbers; null where there are no limits
     nlohmann::json inc;       ///< null where every step is allowed
     std::vector<EnumEntry> entries;
-    std::vector<std::string> selected_by;
-    std::string error;  ///< why the value or its limits could not be read although the access mode allows it
+    std::vector<std::string> selected_by;  ///< its selectors: the value is that of what they point at
+    std::vector<std::string> selects;      ///< of a selector: the features that it selects
+    std::string error;                     ///< why the value or its limits could not be read although the access mode allows it
 };
 
 /// A failing device does not throw here: it is told in `error`, so that one broken feature does not hide all others.
@@ -45,3 +46,5 @@ std::string range_for_reading(const Feature& feature);
 
 /// JSON as kiv prints it. Bytes of a device's text that are no UTF-8 are replaced, as JSON cannot carry them.
 std::string json_text(const nlohmann::json& json);
+/// The same in a single line, for output that has no end.
+std::string json_line(const nlohmann::json& json);

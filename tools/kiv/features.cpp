@@ -1,12 +1,9 @@
 // kiv features: the tree of a camera's features with their values and limits, or one feature with all that is known about it.
 
 #include <cstdio>
-#include <cstdlib>
-#include <map>
-#include <set>
 
 #include "camera_list.h"
-#include "feature.h"
+#include "feature_tree.h"
 #include "options.h"
 #include "text.h"
 
@@ -27,88 +24,19 @@ constexpr const char* kFooter =
 struct Arguments {
     std::string camera;
     std::string name = "Root";
-    uint32_t level = 2;  // guru: all that is meant for people
-    bool all = false;
+    FeatureFilter filter;
 };
-
-const std::map<std::string, uint32_t> kLevels{{"beginner", 0}, {"expert", 1}, {"guru", 2}, {"invisible", 3}};
-
-using Path = std::vector<std::string>;
-
-/// Goes through the categories in the description's order and hands each feature that the arguments ask for to a visitor.
-template <class Visitor>
-class TreeWalk {
-public:
-    TreeWalk(const Camera& camera, const Arguments& arguments, Visitor visit)
-        : camera_(camera), arguments_(arguments), visit_(visit) {}
-
-    void Run(const Node& category) { Descend(category, {}); }
-
-private:
-    bool IsWanted(const Feature& feature) const {
-        return feature.visibility <= arguments_.level && (arguments_.all || feature.access != 0 || !feature.error.empty());
-    }
-
-    void Descend(const Node& category, const Path& path) {
-        // A faulty description can put a category below itself.
-        if (!open_.insert(category.Name()).second) return;
-        for (const Node& node : category.SubFeatures(camera_.Get())) {
-            const Feature feature = read_feature(node);
-            if (!IsWanted(feature)) continue;
-            visit_(feature, path);
-            if (feature.kind != Kind::kCategory) continue;
-            Path below = path;
-            below.push_back(feature.name);
-            Descend(node, below);
-        }
-        open_.erase(category.Name());
-    }
-
-    const Camera& camera_;
-    const Arguments& arguments_;
-    Visitor visit_;
-    std::set<std::string> open_;
-};
-
-std::size_t line_width() {
-    const char* columns = std::getenv("COLUMNS");
-    const long width = columns != nullptr ? std::strtol(columns, nullptr, 10) : 0;
-    return width >= 60 ? static_cast<std::size_t>(width) : 120;
-}
-
-constexpr std::size_t kNameWidth = 40;
-constexpr std::size_t kValueWidth = 24;
-constexpr std::size_t kIndent = 2;
-
-/// What may be set: the range, or the entries in as many lines as they need.
-std::vector<std::string> choices(const Feature& feature, bool all) {
-    const std::size_t used = kNameWidth + kValueWidth + 8;
-    const bool is_settable = feature.access == 2 || feature.access == 4;
-    if (!is_settable && !all) return {""};
-    std::vector<std::string> names;
-    for (const EnumEntry& entry : feature.entries)
-        if (entry.available || all) names.push_back(printable(entry.name) + (entry.available ? "" : " (not available)"));
-    if (names.empty()) return {range_for_reading(feature)};
-    return wrapped(names, " | ", line_width() > used + 20 ? line_width() - used : 20);
-}
-
-void print_feature(const Feature& feature, const Path& path, bool all) {
-    const std::string indent(kIndent * path.size(), ' ');
-    if (feature.kind == Kind::kCategory) {
-        std::printf("%s%s\n", indent.c_str(), printable(feature.name).c_str());
-        return;
-    }
-    const std::vector<std::string> lines = choices(feature, all);
-    const std::string head = padded(indent + printable(feature.name), kNameWidth) + "  " + access_name(feature.access) + "  ";
-    const std::string value = value_for_reading(feature);
-    std::printf("%s%s\n", head.c_str(),
-                lines[0].empty() ? value.c_str() : (padded(value, kValueWidth) + "  " + lines[0]).c_str());
-    for (std::size_t i = 1; i < lines.size(); ++i)
-        std::printf("%s%s\n", std::string(head.size() + kValueWidth + 2, ' ').c_str(), lines[i].c_str());
-}
 
 void print_fact(const char* label, const std::string& text) {
     if (!text.empty()) std::printf("  %-14s %s\n", label, text.c_str());
+}
+
+/// With the values that they have at present, because it is for these that the feature's value holds.
+std::string selectors_for_reading(const Node& node) {
+    std::vector<std::string> texts;
+    for (const Node& selector : node.Selecting())
+        texts.push_back(selector.Name() + (selector.IsReadable() ? "=" + selector.Text() : ""));
+    return joined(texts, ", ");
 }
 
 void explain_feature(const Node& node, bool all) {
@@ -120,10 +48,8 @@ void explain_feature(const Node& node, bool all) {
     print_fact("visibility", visibility_name(feature.visibility));
     print_fact("value", value_for_reading(feature));
     print_fact("range", range_for_reading(feature));
-    print_fact("selected by", printable(joined(feature.selected_by, ", ")));
-    std::vector<std::string> selected;
-    for (const Node& target : node.Selected()) selected.push_back(target.Name());
-    print_fact("selects", printable(joined(selected, ", ")));
+    print_fact("selected by", printable(selectors_for_reading(node)));
+    print_fact("selects", printable(joined(feature.selects, ", ")));
     print_fact("tool tip", printable(node.ToolTip()));
     print_fact("description", printable(node.Description()));
     for (const EnumEntry& entry : feature.entries) {
@@ -134,15 +60,16 @@ void explain_feature(const Node& node, bool all) {
     }
 }
 
-void print_json(const Camera& camera, const Node& top, bool is_category, const Arguments& arguments) {
+void walk(const Camera& camera, const Node& top, const FeatureFilter& filter, const FeatureVisitor& visit) {
+    walk_features(
+        top, filter, [&camera](const Node& category) { return category.SubFeatures(camera.Get()); }, visit);
+}
+
+void print_json(const Camera& camera, const Node& top, bool is_category, const FeatureFilter& filter) {
     nlohmann::json json{{"camera", camera.Id()}, {"features", nlohmann::json::array()}};
-    const auto add = [&json](const Feature& feature, const Path& path) {
-        nlohmann::json one = to_json(feature);
-        one["category"] = path;
-        json["features"].push_back(std::move(one));
-    };
     if (is_category) {
-        TreeWalk(camera, arguments, add).Run(top);
+        walk(camera, top, filter,
+             [&json](const Feature& feature, const Path& path) { json["features"].push_back(to_json(feature, path)); });
     } else {
         nlohmann::json one = to_json(read_feature(top));
         one["tool_tip"] = top.ToolTip();
@@ -157,14 +84,14 @@ ExitCode features(const Options& options, const Arguments& arguments) {
     const Camera camera(factory, find_camera(factory, arguments.camera).id);
     const Node top(camera.NodeByName(arguments.name));
     const bool is_category = top.GetKind() == Kind::kCategory;
+    const FeatureFilter& filter = arguments.filter;
     if (options.json) {
-        print_json(camera, top, is_category, arguments);
+        print_json(camera, top, is_category, filter);
     } else if (is_category) {
-        TreeWalk(camera, arguments, [&](const Feature& feature, const Path& path) {
-            print_feature(feature, path, arguments.all);
-        }).Run(top);
+        walk(camera, top, filter,
+             [&filter](const Feature& feature, const Path& path) { print_feature(feature, path.size(), filter.all); });
     } else {
-        explain_feature(top, arguments.all);
+        explain_feature(top, filter.all);
     }
     return ExitCode::kOk;
 }
@@ -177,13 +104,7 @@ void add_features_command(CLI::App& app, Invocation& invocation) {
     auto arguments = std::make_shared<Arguments>();
     command->add_option("camera", arguments->camera, kCameraHelp)->required();
     command->add_option("name", arguments->name, "Category or feature")->capture_default_str();
-    command
-        ->add_option("--level", arguments->level, "Hide what is above this visibility level: beginner, expert, guru, invisible")
-        ->type_name("LEVEL")
-        ->transform(CLI::CheckedTransformer(kLevels, CLI::ignore_case).description(""))
-        ->default_str("guru");
-    command->add_flag("--all", arguments->all,
-                      "Show features that the camera does not implement, and entries that are not available");
+    add_level_options(*command, arguments->filter.level, arguments->filter.all);
     add_shared_options(*command, invocation.options, Takes::kRegistry | Takes::kJson);
     command->callback([&invocation, arguments] {
         invocation.run = [&invocation, arguments] { return features(invocation.options, *arguments); };

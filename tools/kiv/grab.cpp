@@ -7,6 +7,7 @@
 
 #include "camera_list.h"
 #include "feature.h"
+#include "files.h"
 #include "frame_receiver.h"
 #include "frame_writer.h"
 #include "grab_report.h"
@@ -68,13 +69,6 @@ std::string hints(const Camera& camera) {
     const std::optional<std::string> mode = camera.Text("AcquisitionMode");
     if (mode && *mode != "Continuous") text += "\n  AcquisitionMode is " + printable(*mode) + ": the camera stops by itself.";
     return text;
-}
-
-std::filesystem::path made_folder(const std::string& name) {
-    std::error_code error;
-    std::filesystem::create_directories(name, error);
-    if (error) throw ToolError(ExitCode::kFailed, "the folder \"" + name + "\" cannot be made: " + error.message());
-    return name;
 }
 
 uint64_t count_leftovers(const GrabReport& report) {

@@ -123,6 +123,19 @@ std::vector<Node> Node::SubFeatures(CAM_HANDLE camera) const {
     return features;
 }
 
+std::vector<Node> Node::ModuleSubFeatures(void* module) const {
+    const std::string name = Name();
+    uint32_t count = 0;
+    check(K_GenTL_GetNumOfSubFeatures(module, name.c_str(), &count), "K_GenTL_GetNumOfSubFeatures", name);
+    std::vector<Node> features;
+    for (uint32_t i = 0; i < count; ++i) {
+        NODE_HANDLE feature = nullptr;
+        check(K_GenTL_GetSubFeatureByIndex(module, name.c_str(), i, &feature), "K_GenTL_GetSubFeatureByIndex", name);
+        features.emplace_back(feature);
+    }
+    return features;
+}
+
 std::vector<Node> Node::Entries() const {
     return list_of(K_Node_GetNumOfEnumEntries, K_Node_GetEnumEntryByIndex, handle_, "K_Node_GetEnumEntryByIndex");
 }

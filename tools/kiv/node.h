@@ -42,6 +42,8 @@ public:
 
     /// The features under a category, sub-categories included. The camera is needed because the walk goes by name.
     std::vector<Node> SubFeatures(CAM_HANDLE camera) const;
+    /// The same in the node map of a module: a transport layer, an interface, a producer's device handle.
+    std::vector<Node> ModuleSubFeatures(void* module) const;
     std::vector<Node> Entries() const;
     /// The name of an entry within its enumeration.
     std::string Symbolic(const std::string& enumeration) const;

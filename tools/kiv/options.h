@@ -2,7 +2,9 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -37,6 +39,16 @@ inline void add_shared_options(CLI::App& command, Options& options, unsigned tak
             ->capture_default_str();
 }
 
+/// Which features a tree of features shows.
+inline void add_level_options(CLI::App& command, uint32_t& level, bool& all) {
+    const std::map<std::string, uint32_t> levels{{"beginner", 0}, {"expert", 1}, {"guru", 2}, {"invisible", 3}};
+    command.add_option("--level", level, "Hide what is above this visibility level: beginner, expert, guru, invisible")
+        ->type_name("LEVEL")
+        ->transform(CLI::CheckedTransformer(levels, CLI::ignore_case).description(""))
+        ->default_str("guru");
+    command.add_flag("--all", all, "Show features that are not implemented, and entries that are not available");
+}
+
 constexpr const char* kCameraHelp = "Camera: index, identifier, serial number or user name";
 
 // One file per command; each adds its sub-command with its options.
@@ -49,3 +61,5 @@ void add_exec_command(CLI::App& app, Invocation& invocation);
 void add_xml_command(CLI::App& app, Invocation& invocation);
 void add_producers_command(CLI::App& app, Invocation& invocation);
 void add_grab_command(CLI::App& app, Invocation& invocation);
+void add_tree_command(CLI::App& app, Invocation& invocation);
+void add_watch_command(CLI::App& app, Invocation& invocation);

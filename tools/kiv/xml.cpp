@@ -1,11 +1,11 @@
 // kiv xml: the GenICam description as it is, of the camera or of its producer.
 
 #include <cstdio>
-#include <fstream>
 
 #include "camera_list.h"
+#include "description.h"
+#include "files.h"
 #include "options.h"
-#include "text.h"
 
 namespace {
 
@@ -21,23 +21,6 @@ struct Arguments {
     bool producer = false;
 };
 
-std::string description_of(TRANSPORT_LAYER_HANDLE layer, void* module) {
-    // The size does not count the terminator that a copy needs; the third argument is only required not to be null.
-    uint32_t size = 0;
-    check(K_GenTL_Module_GetXmlString(layer, module, module, nullptr, &size), "K_GenTL_Module_GetXmlString");
-    std::string text(static_cast<std::size_t>(size) + 1, '\0');
-    size = static_cast<uint32_t>(text.size());
-    check(K_GenTL_Module_GetXmlString(layer, module, module, text.data(), &size), "K_GenTL_Module_GetXmlString");
-    return text.c_str();
-}
-
-void write_file(const std::string& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary);
-    file << text;
-    file.close();
-    if (!file) throw ToolError(ExitCode::kFailed, "\"" + path + "\" could not be written");
-}
-
 ExitCode xml(const Options& options, const Arguments& arguments) {
     Factory factory(options.registry);
     const Camera camera(factory, find_camera(factory, arguments.camera).id);
@@ -46,7 +29,7 @@ ExitCode xml(const Options& options, const Arguments& arguments) {
     void* module = arguments.producer ? static_cast<void*>(layer) : static_cast<void*>(camera.Get());
     const std::string text = description_of(layer, module);
     if (!arguments.file.empty()) {
-        write_file(arguments.file, text);
+        write_text_file(arguments.file, text);
     } else {
         std::fwrite(text.data(), 1, text.size(), stdout);
     }

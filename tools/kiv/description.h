@@ -1,0 +1,9 @@
+/// The GenICam description (XML) of a module.
+#pragma once
+
+#include <Kiv_Factory.h>
+
+#include <string>
+
+/// `module`: the transport layer itself, a camera, or a producer's own device handle. An interface handle is none of these.
+std::string description_of(TRANSPORT_LAYER_HANDLE layer, void* module);

@@ -1,0 +1,19 @@
+#include "files.h"
+
+#include <fstream>
+
+#include "error.h"
+
+std::filesystem::path made_folder(const std::string& name) {
+    std::error_code error;
+    std::filesystem::create_directories(name, error);
+    if (error) throw ToolError(ExitCode::kFailed, "the folder \"" + name + "\" cannot be made: " + error.message());
+    return name;
+}
+
+void write_text_file(const std::filesystem::path& path, const std::string& text) {
+    std::ofstream file(path, std::ios::binary);
+    file << text;
+    file.close();
+    if (!file) throw ToolError(ExitCode::kFailed, "\"" + path.string() + "\" could not be written");
+}
