@@ -19,7 +19,7 @@ TEST(KivCommandLine, TellsVersionAndHelpAndRefusesWhatItDoesNotKnow) {
     const Result version = bench.Kiv({"--version"});
     EXPECT_EQ(version.exit, 0);
     EXPECT_THAT(version.out, testing::MatchesRegex("kiv [0-9.]+ \\(library [0-9.]+\\)\n"));
-    for (const char* command : {"list", "info", "features", "get", "set", "exec", "xml", "grab", "producers"}) {
+    for (const char* command : {"list", "info", "features", "get", "set", "exec", "watch", "xml", "tree", "grab", "producers"}) {
         const Result help = bench.Kiv({command, "--help"});
         EXPECT_EQ(help.exit, 0) << command;
         EXPECT_THAT(help.out, HasSubstr("Examples:")) << command;

@@ -43,6 +43,8 @@ TEST(KivFeatures, TellValuesLimitsAndEntries) {
                             [&](const json& entry) { return entry["name"] == format["value"]; }));
     const json gain = feature_named(features, "Gain");
     EXPECT_EQ(gain["selected_by"], json({"GainSelector"}));
+    EXPECT_FALSE(gain.contains("selects"));
+    EXPECT_EQ(feature_named(features, "GainSelector")["selects"], json({"Gain", "GainFactor"}));
     for (const json& feature : features) EXPECT_FALSE(feature.contains("error")) << feature;
 }
 
@@ -68,6 +70,8 @@ TEST(KivFeatures, PrintATreeAndExplainOne) {
                                 testing::ContainsRegex("\n  Width +RW  320 +[0-9]+ \\.\\. 320"),
                                 testing::ContainsRegex("\n  AcquisitionStart +WO +\\(command\\)")));
     EXPECT_THAT(bench.Kiv({"features", "0", "PixelFormat"}).out, AllOf(HasSubstr("enumeration"), HasSubstr("BayerRG12p")));
+    EXPECT_THAT(bench.Kiv({"features", "0", "Gain"}).out, HasSubstr("  selected by    GainSelector=All\n"));
+    EXPECT_THAT(bench.Kiv({"features", "0", "GainSelector"}).out, HasSubstr("  selects        Gain, GainFactor\n"));
 }
 
 TEST(KivSet, LastsIntoTheNextProcess) {
