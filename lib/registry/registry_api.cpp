@@ -1,4 +1,5 @@
 #include <Kiv_Registry.h>
+#include <memory>
 
 #include <kiv/platform/paths.h>
 #include <atomic>
@@ -23,7 +24,8 @@ struct Handles {
 };
 
 Handles& handles() {
-    static Handles only;
+    // Never destroyed: a program's own statics may still call while the process exits.
+    static Handles& only = *std::make_unique<Handles>().release();
     return only;
 }
 

@@ -1,5 +1,7 @@
 #include "session.h"
 
+#include <memory>
+
 #include "kiv/platform/paths.h"
 #include "system.h"
 
@@ -11,9 +13,17 @@ struct Current {
     std::shared_ptr<Session> session;
 };
 
+/// Not destroyed at exit, because a consumer's own statics may still close what they opened; and not on the heap, because the
+/// module may be unloaded.
+union Undestroyed {
+    Current state;
+    Undestroyed() : state() {}
+    ~Undestroyed() {}
+};
+
 Current& current() {
-    static Current state;
-    return state;
+    static Undestroyed place;
+    return place.state;
 }
 
 const char inside_this_module = 0;

@@ -69,7 +69,7 @@ bool OpenCameras::Owns(GenTL::DEV_HANDLE device) const {
 }
 
 OpenCameras& open_cameras() {
-    // Left alive at exit: a camera that a program never closed must not call into a producer whose statics are gone.
+    // Never destroyed: a program's own statics may close what they opened when the process exits.
     static OpenCameras& table = *std::make_unique<OpenCameras>().release();
     return table;
 }

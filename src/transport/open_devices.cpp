@@ -27,7 +27,8 @@ std::shared_ptr<OpenedDevice> OpenDevices::Find(GenTL::DEV_HANDLE device) const 
 }
 
 OpenDevices& open_devices() {
-    static OpenDevices table;
+    // Never destroyed: a program's own statics may close what they opened when the process exits.
+    static OpenDevices& table = *std::make_unique<OpenDevices>().release();
     return table;
 }
 

@@ -1,5 +1,7 @@
 #include "transport/open_interfaces.h"
 
+#include <memory>
+
 #include "transport/lock.h"
 
 namespace GenICam::Factory {
@@ -28,7 +30,8 @@ void OpenInterfaces::Clear() {
 }
 
 OpenInterfaces& open_interfaces() {
-    static OpenInterfaces table;
+    // Never destroyed: a program's own statics may close what they opened when the process exits.
+    static OpenInterfaces& table = *std::make_unique<OpenInterfaces>().release();
     return table;
 }
 

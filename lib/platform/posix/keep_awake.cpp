@@ -99,7 +99,8 @@ struct Inhibitor {
 };
 
 Inhibitor& inhibitor() {
-    static Inhibitor only;
+    // Never destroyed: a program's own statics may still call while the process exits.
+    static Inhibitor& only = *std::make_unique<Inhibitor>().release();
     return only;
 }
 

@@ -1,5 +1,6 @@
 #include "image/image_handles.h"
 
+#include <memory>
 #include <mutex>
 #include <shared_mutex>
 #include <unordered_map>
@@ -16,7 +17,8 @@ struct LiveImages {
 };
 
 LiveImages& live() {
-    static LiveImages images;
+    // Never destroyed: a program's own statics may still call while the process exits.
+    static LiveImages& images = *std::make_unique<LiveImages>().release();
     return images;
 }
 
