@@ -27,9 +27,11 @@ static int grab(CAM_HANDLE camera, char* id) {
     THRD_HANDLE stream = NULL;
     if (failed(K_Camera_SetValueDouble(camera, "ExposureTime", 5000.0), "set ExposureTime")) return 1;
     if (failed(K_Camera_GetValueInt64(camera, "PayloadSize", &payload), "get PayloadSize")) return 1;
-    if (failed(K_Image_OpenStream(camera, 0, id, (void (*)(void))on_image, &stream, (uint32_t)payload, 0), "open stream")) return 1;
+    if (failed(K_Image_OpenStream(camera, 0, id, (void (*)(void))on_image, &stream, (uint32_t)payload, 0), "open stream"))
+        return 1;
     if (!failed(K_Camera_ExecuteCommand(camera, "AcquisitionStart"), "AcquisitionStart")) {
-        while (delivered < 10 && !failed(K_Image_GetStreamInfo(stream, 1 /* delivered images */, &delivered, &size), "stream info"))
+        while (delivered < 10 &&
+               !failed(K_Image_GetStreamInfo(stream, 1 /* delivered images */, &delivered, &size), "stream info"))
             nanosleep(&nap, NULL);
         K_Camera_ExecuteCommand(camera, "AcquisitionStop");
     }
@@ -43,7 +45,8 @@ int main(void) {
     char id[1024];
     uint32_t size = sizeof id;
     int result = 1;
-    if (!failed(K_Factory_Open("", &factory), "open factory") && !failed(K_Factory_GetCameraIDByIndex(factory, 0, id, &size), "first camera") &&
+    if (!failed(K_Factory_Open("", &factory), "open factory") &&
+        !failed(K_Factory_GetCameraIDByIndex(factory, 0, id, &size), "first camera") &&
         !failed(K_Camera_Open_Proxy(factory, id, &camera), "open camera")) {
         result = grab(camera, id);
         K_Camera_Close(camera);

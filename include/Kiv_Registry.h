@@ -54,8 +54,8 @@ enum {
 
 /** Reads the registry file at `path`.
  *
- * K_ST_INVALID_PARAMETER: `path` or `phRegistry` is null. K_ST_IO: the file cannot be read or has more than 64 MiB. K_ST_ERROR: the
- * file is no registry file; K_Registry_GetLastError tells the line. *phRegistry is null unless the call succeeds. */
+ * K_ST_INVALID_PARAMETER: `path` or `phRegistry` is null. K_ST_IO: the file cannot be read or has more than 64 MiB. K_ST_ERROR:
+ * the file is no registry file; K_Registry_GetLastError tells the line. *phRegistry is null unless the call succeeds. */
 K_REGISTRY_API K_STATUS_CODES K_CALL K_Registry_Open(const char* path, REGISTRY_HANDLE* phRegistry);
 
 K_REGISTRY_API K_STATUS_CODES K_CALL K_Registry_Close(REGISTRY_HANDLE hRegistry);
@@ -63,7 +63,8 @@ K_REGISTRY_API K_STATUS_CODES K_CALL K_Registry_Close(REGISTRY_HANDLE hRegistry)
 /** Opens the list of all elements of a kind, disabled ones included.
  *
  * K_ST_INVALID_PARAMETER: `phList` is null or there is no such kind. *phList is null unless the call succeeds. */
-K_REGISTRY_API K_STATUS_CODES K_CALL K_Registry_OpenElementList(REGISTRY_HANDLE hRegistry, int32_t kind, ELEMENT_LIST_HANDLE* phList);
+K_REGISTRY_API K_STATUS_CODES K_CALL K_Registry_OpenElementList(REGISTRY_HANDLE hRegistry, int32_t kind,
+                                                                ELEMENT_LIST_HANDLE* phList);
 
 K_REGISTRY_API K_STATUS_CODES K_CALL K_ElementList_Close(ELEMENT_LIST_HANDLE hList);
 
