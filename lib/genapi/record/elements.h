@@ -10,14 +10,36 @@
 
 namespace kiv::genapi {
 
-#define KIV_GENAPI_ELEMENTS(X)                                                                                             \
-    X(Node)                                                                                                                \
-    X(Category)                                                                                                            \
-    X(Integer)                                                                                                             \
-    X(IntReg)                                                                                                              \
-    X(MaskedIntReg) X(StructReg) X(StructEntry) X(IntSwissKnife) X(IntConverter) X(Boolean) X(Command) X(Enumeration)      \
-        X(EnumEntry) X(Float) X(FloatReg) X(SwissKnife) X(Converter) X(String) X(StringReg) X(Register) X(Port) X(ConfRom) \
-            X(TextDesc) X(IntKey) X(AdvFeatureLock) X(SmartFeature) X(Group)
+// clang-format off: one element a line, which the formatter does not keep
+#define KIV_GENAPI_ELEMENTS(X) \
+    X(Node)                    \
+    X(Category)                \
+    X(Integer)                 \
+    X(IntReg)                  \
+    X(MaskedIntReg)            \
+    X(StructReg)               \
+    X(StructEntry)             \
+    X(IntSwissKnife)           \
+    X(IntConverter)            \
+    X(Boolean)                 \
+    X(Command)                 \
+    X(Enumeration)             \
+    X(EnumEntry)               \
+    X(Float)                   \
+    X(FloatReg)                \
+    X(SwissKnife)              \
+    X(Converter)               \
+    X(String)                  \
+    X(StringReg)               \
+    X(Register)                \
+    X(Port)                    \
+    X(ConfRom)                 \
+    X(TextDesc)                \
+    X(IntKey)                  \
+    X(AdvFeatureLock)          \
+    X(SmartFeature)            \
+    X(Group)
+// clang-format on
 
 enum class Element : uint8_t {
 #define X(name) name,
