@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "GenApi/i_value.h"
 #include "GenApi/node_vector.h"
 
@@ -31,6 +33,8 @@ public:
     virtual IEnumEntry* GetEntry(int64_t value) = 0;
     /// Null when no entry has the current value.
     virtual IEnumEntry* GetCurrentEntry(bool verify = false, bool ignoreCache = false) = 0;
+    /// The first entry whose display name is exactly this text, available or not; null when there is none.
+    virtual IEnumEntry* GetEntryByDisplayName(std::string_view shown) = 0;
 
     IEnumeration& operator=(const gcstring& symbolic) { return FromString(symbolic), *this; }
     gcstring operator*() { return ToString(); }

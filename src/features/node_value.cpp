@@ -20,15 +20,7 @@ bool means_true(std::string_view text) {
 
 void set_enumeration(IEnumeration& enumeration, bool verify, std::string_view text) {
     // Display names win over symbolic ones, also over another entry's: user interfaces hand in what they showed.
-    NodeList_t entries;
-    enumeration.GetEntries(entries);
-    for (INode* node : entries) {
-        if (node->GetDisplayName().compare(text) != 0) continue;
-        auto* entry = interface_of<IEnumEntry>(*node);
-        if (!entry) continue;
-        enumeration.SetIntValue(entry->GetValue(), verify);
-        return;
-    }
+    if (auto* shown = enumeration.GetEntryByDisplayName(text)) return enumeration.SetIntValue(shown->GetValue(), verify);
     enumeration.FromString(gcstring(text), verify);
 }
 

@@ -68,6 +68,18 @@ IEnumEntry* EnumerationNode::GetCurrentEntry(bool, bool ignoreCache) {
     return RunRead("GetCurrentEntry", ignoreCache, [&] { return Valued(ReadInteger()); });
 }
 
+/// The texts stand beside the entries, because finding the display name of a node means looking through its properties.
+IEnumEntry* EnumerationNode::GetEntryByDisplayName(std::string_view shown) {
+    const AutoLock hold(engine_.lock);
+    if (byDisplayName_.empty()) {
+        byDisplayName_.reserve(entries_.size());
+        for (auto* entry : entries_) byDisplayName_.push_back({entry->DisplayName(), entry});
+        std::ranges::stable_sort(byDisplayName_, {}, &Displayed::text);
+    }
+    const auto it = std::ranges::lower_bound(byDisplayName_, shown, {}, &Displayed::text);
+    return it != byDisplayName_.end() && it->text == shown ? it->entry : nullptr;
+}
+
 void EnumerationNode::GetEntries(NodeList_t& entries) {
     entries.clear();
     entries.reserve(entries_.size());

@@ -42,6 +42,7 @@ public:
     GenApi::IEnumEntry* GetEntryByName(const gcstring& symbolic) override;
     GenApi::IEnumEntry* GetEntry(int64_t value) override;
     GenApi::IEnumEntry* GetCurrentEntry(bool verify = false, bool ignoreCache = false) override;
+    GenApi::IEnumEntry* GetEntryByDisplayName(std::string_view shown) override;
 
     int64_t ReadInteger() override;
     /// The number of the current entry's floating point view.
@@ -74,8 +75,14 @@ private:
     void Write(EnumEntryNode& entry, bool verify);
     void Sort();
 
+    struct Displayed {
+        std::string_view text;
+        EnumEntryNode* entry;
+    };
+
     Kept<int64_t> kept_;
     std::vector<uint32_t> byValue_, byName_;  // positions in entries_; made when first needed
+    std::vector<Displayed> byDisplayName_;    // by text, equal ones in the description's order; made when first needed
     bool isSelfClearing_ = false;             // the current entry goes away by itself
 };
 

@@ -88,6 +88,7 @@ public:
     const Property* Find(Tag tag) const { return engine_.table.Find(GetRecord(), tag); }
     /// The text of a property; "" when the node has none of that tag.
     std::string_view Text(Tag tag) const;
+    std::string_view DisplayName() const;
     Node* Target(const Property* property) const;
     Node* Target(Tag tag) const { return Target(Find(tag)); }
 

@@ -28,7 +28,9 @@ gcstring Node::GetDescription() const { return TextOf(Tag::Description); }
 gcstring Node::GetDeviceName() const { return engine_.deviceName; }
 gcstring Node::GetEventID() const { return TextOf(Tag::EventID); }
 
-gcstring Node::GetDisplayName() const {
+gcstring Node::GetDisplayName() const { return DisplayName(); }
+
+std::string_view Node::DisplayName() const {
     const auto text = Text(Tag::DisplayName);
     if (!text.empty()) return text;
     return GetRecord().symbolic.empty() ? Name() : GetRecord().symbolic;

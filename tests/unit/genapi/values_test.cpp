@@ -50,6 +50,9 @@ TEST(EnumerationFeature, KnowsItsEntriesByNameAndNumber) {
     EXPECT_EQ((std::vector<int>{0}), camera.memory.At(0, 1));
     EXPECT_EQ("EnumEntry_Mode_On", mode.GetEntryByName("On")->GetNode()->GetName());
     EXPECT_EQ(nullptr, mode.GetEntryByName("on"));
+    EXPECT_EQ(mode.GetEntryByName("On"), mode.GetEntryByDisplayName("Switched on"));
+    EXPECT_EQ(mode.GetEntryByName("Off"), mode.GetEntryByDisplayName("Off")) << "without one the symbolic name stands in";
+    EXPECT_EQ(nullptr, mode.GetEntryByDisplayName("On"));
     EXPECT_NODE_ERROR(InvalidArgumentException, mode.FromString("2"), "Mode",
                       "Feature 'Mode' : cannot convert value '2', the value is invalid.");
     EXPECT_NODE_ERROR(InvalidArgumentException, mode.SetIntValue(1), "Mode", "'1'");
