@@ -50,7 +50,7 @@ using Image = std::unique_ptr<VL_IMAGE, FreeImage>;
 
 Image make_image(std::uint64_t type) {
     VL_IMAGE_HANDLE handle = nullptr;
-    if (vlMallocEx(width, height, type, &handle) != VL_ST_SUCCESS) throw std::runtime_error(vlGetLastErrorText());
+    if (vlMallocEx(width, height, type, nullptr, 0, &handle) != VL_ST_SUCCESS) throw std::runtime_error(vlGetLastErrorText());
     return Image(handle);
 }
 
@@ -120,8 +120,8 @@ void encode(benchmark::State& state, kiv::vl::EncodedFile (*encoder)(const kiv::
     std::mt19937 random(1);
     for (std::uint32_t y = 0; y < height; ++y) {
         std::uint8_t* line = image.Line(y);
-        for (std::size_t i = 0; i < image.Stride(); ++i)
-            line[i] = static_cast<std::uint8_t>(i * 200 / image.Stride() + random() % 4);
+        for (std::size_t i = 0; i < image.LineBytes(); ++i)
+            line[i] = static_cast<std::uint8_t>(i * 200 / image.LineBytes() + random() % 4);
     }
     std::size_t bytes = 0;
     for (auto _ : state) bytes = encoder(image, compression).size();

@@ -29,8 +29,8 @@ std::string name_of(const wchar_t* file) {
 template <class Character>
 VL_STATUS store(const char* function, VL_IMAGE_HANDLE hImage, const Character* file, VL_FILE_FORMAT format, int32_t compression) {
     return guarded(function, [&] {
-        const auto& image = image_of(hImage);
-        store_image(image, name_of(file), format, compression);
+        const auto image = image_of(hImage);
+        store_image(*image, name_of(file), format, compression);
     });
 }
 

@@ -7,104 +7,46 @@
 
 using namespace kiv::vl;
 
-namespace {
-
-/// The record with a buffer that may be read.
-const K_IMAGE_INFO& readable(const K_IMAGE_INFO* raw) {
-    refuse_null(required(raw, "raw").image_data, "image_data");
-    return *raw;
-}
-
-VL_IMAGE_HANDLE image_from(const RawView& raw) {
-    auto image = std::make_unique<Image>(raw.Width(), raw.Height(), image_type_of(raw.Format()));
-    convert_raw(raw, *image, {});
-    return give_image(std::move(image));
-}
-
-VL_DEMOSAIC known(VL_DEMOSAIC quality) {
-    if (quality == VL_DEMOSAIC_BILINEAR || quality == VL_DEMOSAIC_EDGE_AWARE) return quality;
-    throw Error(VL_ST_INVALID_PARAMETER, "there is no demosaicing " + std::to_string(quality));
-}
-
-}  // namespace
-
-const char* VL_CALL vlGetLastErrorText(void) { return last_error_text(); }
-
-VL_STATUS VL_CALL vlGetImageType(uint64_t pixelType, uint64_t* pImageType) {
-    return guarded(__func__, [&] { required(pImageType, "pImageType") = image_type_of(pixel_format(pixelType)); });
-}
-
 VL_STATUS VL_CALL vlMalloc(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE* phImage) {
     return guarded(__func__, [&] {
         const auto& record = required(raw, "raw");
         auto& out = required(phImage, "phImage");
-        out = give_image(std::make_unique<Image>(record.width, record.height, image_type_of(pixel_format(record.pixel_type))));
+        out = give_image(Image(record.width, record.height, image_type_of(pixel_format(record.pixel_type))));
     });
 }
 
-VL_STATUS VL_CALL vlMallocEx(uint32_t width, uint32_t height, uint64_t imageType, VL_IMAGE_HANDLE* phImage) {
+VL_STATUS VL_CALL vlMallocEx(uint32_t width, uint32_t height, uint64_t imageType, void* buffer, uint64_t bufferSize,
+                             VL_IMAGE_HANDLE* phImage) {
     return guarded(__func__, [&] {
         auto& out = required(phImage, "phImage");
-        out = give_image(std::make_unique<Image>(width, height, imageType));
+        out =
+            give_image(buffer == nullptr ? Image(width, height, imageType) : Image(width, height, imageType, buffer, bufferSize));
+    });
+}
+
+VL_STATUS VL_CALL vlMallocDIB(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE* phImage) {
+    return guarded(__func__, [&] {
+        const auto& record = required(raw, "raw");
+        auto& out = required(phImage, "phImage");
+        const bool colour = pixel_format(record.pixel_type).IsColour();
+        out = give_image(Image::Dib(record.width, record.height, colour ? VL_IMAGE_BGR8 : VL_IMAGE_MONO8));
     });
 }
 
 VL_STATUS VL_CALL vlFree(VL_IMAGE_HANDLE hImage) {
-    return guarded(__func__, [&] { take_image(hImage); });
+    return guarded(__func__, [&] { free_image(hImage); });
 }
 
 VL_STATUS VL_CALL vlGetImageInfo(VL_IMAGE_HANDLE hImage, K_IMAGE_INFO* pInfo) {
     return guarded(__func__, [&] {
-        auto& image = image_of(hImage);
+        const auto image = image_of(hImage);
         auto& out = required(pInfo, "pInfo");
+        if (image->IsDib()) throw Error(VL_ST_NOT_IMPLEMENTED, "the lines of a DIB stand bottom-up");
         out = {};
-        out.pixel_type = image.Type();
-        out.width = image.Width();
-        out.height = image.Height();
-        out.image_size = static_cast<uint32_t>(image.Bytes());
-        out.image_data = image.Line(0);
-    });
-}
-
-VL_STATUS VL_CALL vlGetRawSize(const K_IMAGE_INFO* raw, uint64_t* pBytes) {
-    return guarded(__func__, [&] {
-        const RawView view(required(raw, "raw"));
-        required(pBytes, "pBytes") = view.ImageBytes();
-    });
-}
-
-VL_STATUS VL_CALL vlFromRAWtoImage(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE hImage, uint32_t gainRed, uint32_t gainGreen,
-                                   uint32_t gainBlue) {
-    return vlFromRAWtoImageEx(raw, hImage, VL_DEMOSAIC_BILINEAR, gainRed, gainGreen, gainBlue);
-}
-
-VL_STATUS VL_CALL vlFromRAWtoImageEx(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE hImage, VL_DEMOSAIC demosaic, uint32_t gainRed,
-                                     uint32_t gainGreen, uint32_t gainBlue) {
-    return guarded(__func__, [&] {
-        auto& image = image_of(hImage);
-        convert_raw(RawView(readable(raw)), image, {known(demosaic), {gainRed, gainGreen, gainBlue}});
-    });
-}
-
-VL_STATUS VL_CALL vlImageFromRaw(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE* phImage) {
-    return guarded(__func__, [&] {
-        auto& out = required(phImage, "phImage");
-        out = image_from(RawView(readable(raw)));
-    });
-}
-
-VL_STATUS VL_CALL vlImageFromBuffer(uint64_t pixelType, uint32_t width, uint32_t height, uint32_t paddingX, const void* data,
-                                    uint64_t size, VL_IMAGE_HANDLE* phImage) {
-    return guarded(__func__, [&] {
-        refuse_null(data, "data");
-        auto& out = required(phImage, "phImage");
-        out = image_from(RawView(pixel_format(pixelType), width, height, paddingX, data, size));
-    });
-}
-
-VL_STATUS VL_CALL vlConvertImage(VL_IMAGE_HANDLE hSource, VL_IMAGE_HANDLE hTarget) {
-    return guarded(__func__, [&] {
-        const auto& source = image_of(hSource);
-        convert_image(source, image_of(hTarget));
+        out.pixel_type = image->Type();
+        out.width = image->Width();
+        out.height = image->Height();
+        out.image_size = static_cast<uint32_t>(image->Bytes());
+        out.image_data = image->Line(0);
     });
 }

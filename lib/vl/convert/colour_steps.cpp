@@ -75,7 +75,7 @@ void multiply(cv::Mat& pixels, const std::array<std::uint32_t, 3>& gains) {
 cv::Mat lines_of(Image& image, std::uint32_t first, std::uint32_t last) {
     const int depth = image.IsDeep() ? CV_16U : CV_8U;
     return {static_cast<int>(last - first), static_cast<int>(image.Width()),
-            CV_MAKETYPE(depth, static_cast<int>(image.Channels())), image.Line(first), image.Stride()};
+            CV_MAKETYPE(depth, static_cast<int>(image.Channels())), image.Line(first), static_cast<std::size_t>(image.Stride())};
 }
 
 void demosaic(const cv::Mat& source, std::string_view order, VL_DEMOSAIC quality, cv::Mat& target) {

@@ -116,7 +116,7 @@ private:
     class KeepLine {
     public:
         KeepLine(Image& image, std::uint32_t first, bool needed) : line_(needed ? image.Line(first - 1) : nullptr) {
-            if (needed) saved_.assign(line_, line_ + image.Stride());
+            if (needed) saved_.assign(line_, line_ + image.LineBytes());
         }
         ~KeepLine() {
             if (line_ != nullptr) std::memcpy(line_, saved_.data(), saved_.size());

@@ -22,6 +22,12 @@ std::string size_text(std::uint32_t width, std::uint32_t height) {
     return std::to_string(width) + " x " + std::to_string(height);
 }
 
+std::string code_text(std::uint64_t code) {
+    char text[32];
+    std::snprintf(text, sizeof text, "0x%08llX", static_cast<unsigned long long>(code));
+    return text;
+}
+
 void set_last_error(const char* function, const char* text) noexcept {
     std::snprintf(last_error, sizeof last_error, "%s: %s", function, text);
 }

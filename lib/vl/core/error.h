@@ -19,6 +19,8 @@ private:
 
 /// "640 x 480 BayerRG8" and the like read better in a message when every part writes them alike.
 std::string size_text(std::uint32_t width, std::uint32_t height);
+/// 0x01080001
+std::string code_text(std::uint64_t code);
 
 /// Remembers a failure for vlGetLastErrorText; cut where it does not fit.
 void set_last_error(const char* function, const char* text) noexcept;

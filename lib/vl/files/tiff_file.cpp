@@ -92,7 +92,7 @@ struct Tag {
 };
 
 bool set_tags(TIFF* tiff, const Image& image, int compression) {
-    const auto strip_lines = std::max<std::size_t>(1, 64 * 1024 / image.Stride());
+    const auto strip_lines = std::max<std::size_t>(1, 64 * 1024 / image.LineBytes());
     const Tag always[] = {
         {TIFFTAG_IMAGEWIDTH, image.Width()},
         {TIFFTAG_IMAGELENGTH, image.Height()},
@@ -119,17 +119,17 @@ void swap_red_and_blue(std::uint8_t* line, std::uint32_t pixels) {
 
 // Strips are copied: TIFF wants red first, and the predictor works in the buffer that it is given.
 bool write_strips(TIFF* tiff, const Image& image) {
-    const auto strip_lines = static_cast<std::uint32_t>(std::max<std::size_t>(1, 64 * 1024 / image.Stride()));
-    std::vector<std::uint8_t> strip(strip_lines * image.Stride());
+    const auto strip_lines = static_cast<std::uint32_t>(std::max<std::size_t>(1, 64 * 1024 / image.LineBytes()));
+    std::vector<std::uint8_t> strip(strip_lines * image.LineBytes());
     for (std::uint32_t first = 0, number = 0; first < image.Height(); first += strip_lines, ++number) {
         const std::uint32_t lines = std::min(strip_lines, image.Height() - first);
-        std::memcpy(strip.data(), image.Line(first), lines * image.Stride());
+        std::memcpy(strip.data(), image.Line(first), lines * image.LineBytes());
         if (image.IsColour()) {
             const std::uint32_t pixels = lines * image.Width();
             image.IsDeep() ? swap_red_and_blue<std::uint16_t>(strip.data(), pixels)
                            : swap_red_and_blue<std::uint8_t>(strip.data(), pixels);
         }
-        if (TIFFWriteEncodedStrip(tiff, number, strip.data(), static_cast<tmsize_t>(lines * image.Stride())) < 0) return false;
+        if (TIFFWriteEncodedStrip(tiff, number, strip.data(), static_cast<tmsize_t>(lines * image.LineBytes())) < 0) return false;
     }
     return true;
 }

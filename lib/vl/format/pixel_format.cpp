@@ -1,7 +1,6 @@
 #include "format/pixel_format.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 
 #include "core/error.h"
@@ -239,9 +238,7 @@ const PixelFormat* find_pixel_format(std::uint64_t code) noexcept {
 
 const PixelFormat& pixel_format(std::uint64_t code) {
     if (const auto* format = find_pixel_format(code)) return *format;
-    char text[64];
-    std::snprintf(text, sizeof text, "pixel format 0x%08llX is not known", static_cast<unsigned long long>(code));
-    throw Error(VL_ST_NOT_IMPLEMENTED, text);
+    throw Error(VL_ST_NOT_IMPLEMENTED, "pixel format " + code_text(code) + " is not known");
 }
 
 }  // namespace kiv::vl

@@ -1,53 +1,61 @@
 #include "image/image_handles.h"
 
-#include <memory>
+#include <deque>
 #include <mutex>
-#include <shared_mutex>
-#include <unordered_map>
+#include <utility>
 
-#include "core/error.h"
+#include "core/handle_table.h"
 
 namespace kiv::vl {
 namespace {
 
-struct LiveImages {
-    std::shared_mutex lock;
-    std::unordered_map<VL_IMAGE_HANDLE, std::unique_ptr<Image>> images;
-    std::uintptr_t given = 0;
+struct HeldImage {
+    Image image;
+    std::unique_ptr<VL_IMAGE> record;
 };
 
-LiveImages& live() {
-    // Never destroyed: a program's own statics may still call while the process exits.
-    static LiveImages& images = *std::make_unique<LiveImages>().release();
-    return images;
+auto& held() {
+    static auto& table = make_table<VL_IMAGE_HANDLE, HeldImage>("image");
+    return table;
 }
 
-Error unknown_handle(VL_IMAGE_HANDLE handle) {
-    return {VL_ST_INVALID_HANDLE,
-            handle == nullptr ? "the image handle is null" : "this is no image, or one that has been freed"};
+/// Records of freed images are kept a while, so that a handle that is used too late does not meet a new image at its address.
+class Graveyard {
+public:
+    void Bury(std::unique_ptr<VL_IMAGE> record) {
+        *record = {};
+        const std::lock_guard hold(lock_);
+        records_.push_back(std::move(record));
+        if (records_.size() > most) records_.pop_front();
+    }
+
+private:
+    static constexpr std::size_t most = 4096;
+    std::mutex lock_;
+    std::deque<std::unique_ptr<VL_IMAGE>> records_;
+};
+
+Graveyard& graveyard() {
+    static Graveyard& all = *std::make_unique<Graveyard>().release();
+    return all;
 }
 
 }  // namespace
 
-VL_IMAGE_HANDLE give_image(std::unique_ptr<Image> image) {
-    const std::unique_lock hold(live().lock);
-    const auto handle = reinterpret_cast<VL_IMAGE_HANDLE>(++live().given);  // NOLINT: a number in the shape of a pointer
-    live().images.emplace(handle, std::move(image));
+VL_IMAGE_HANDLE give_image(Image image) {
+    const VL_IMAGE record = image.Record();
+    auto object = std::make_shared<HeldImage>(HeldImage{std::move(image), std::make_unique<VL_IMAGE>(record)});
+    VL_IMAGE_HANDLE handle = object->record.get();
+    held().GiveAs(handle, std::move(object));
     return handle;
 }
 
-Image& image_of(VL_IMAGE_HANDLE handle) {
-    const std::shared_lock hold(live().lock);
-    const auto found = live().images.find(handle);
-    if (found == live().images.end()) throw unknown_handle(handle);
-    return *found->second;
+std::shared_ptr<Image> image_of(VL_IMAGE_HANDLE handle) {
+    auto object = held().Of(handle);
+    Image* image = &object->image;
+    return {std::move(object), image};
 }
 
-std::unique_ptr<Image> take_image(VL_IMAGE_HANDLE handle) {
-    const std::unique_lock hold(live().lock);
-    auto node = live().images.extract(handle);
-    if (node.empty()) throw unknown_handle(handle);
-    return std::move(node.mapped());
-}
+void free_image(VL_IMAGE_HANDLE handle) { graveyard().Bury(std::move(held().Take(handle)->record)); }
 
 }  // namespace kiv::vl

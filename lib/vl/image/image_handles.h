@@ -1,5 +1,5 @@
-/// The images that callers hold. A handle is the address of an image; one that is not in the list is refused without being looked
-/// at.
+/// The images that callers hold. A handle is the address of the image's record; one that is not in the list is refused without
+/// being looked at.
 #pragma once
 
 #include <VL.h>
@@ -10,10 +10,10 @@
 
 namespace kiv::vl {
 
-VL_IMAGE_HANDLE give_image(std::unique_ptr<Image> image);
-/// Throws an Error for what is no living image.
-Image& image_of(VL_IMAGE_HANDLE handle);
-/// Takes the image back; throws like image_of.
-std::unique_ptr<Image> take_image(VL_IMAGE_HANDLE handle);
+VL_IMAGE_HANDLE give_image(Image image);
+/// Throws an Error for what is no living image. The image lives at least as long as what is returned.
+std::shared_ptr<Image> image_of(VL_IMAGE_HANDLE handle);
+/// Ends an image; throws like image_of.
+void free_image(VL_IMAGE_HANDLE handle);
 
 }  // namespace kiv::vl

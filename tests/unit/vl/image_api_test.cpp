@@ -15,7 +15,7 @@ constexpr std::uint64_t bayer_rg8 = 0x01080009;
 
 TEST(ImageHandles, AreRefusedWhenNullFreedOrInvented) {
     VL_IMAGE_HANDLE freed = nullptr;
-    ASSERT_EQ(vlMallocEx(2, 2, VL_IMAGE_MONO8, &freed), VL_ST_SUCCESS);
+    ASSERT_EQ(vlMallocEx(2, 2, VL_IMAGE_MONO8, nullptr, 0, &freed), VL_ST_SUCCESS);
     ASSERT_EQ(vlFree(freed), VL_ST_SUCCESS);
     int something = 0;
     const OwnedImage good(2, 2, VL_IMAGE_MONO8);
@@ -43,7 +43,7 @@ TEST(Arguments, NullsAreRefusedAndNamed) {
         vlGetImageType(VL_IMAGE_MONO8, nullptr),
         vlMalloc(nullptr, &out),
         vlMalloc(&raw, nullptr),
-        vlMallocEx(2, 2, VL_IMAGE_MONO8, nullptr),
+        vlMallocEx(2, 2, VL_IMAGE_MONO8, nullptr, 0, nullptr),
         vlGetImageInfo(image, nullptr),
         vlGetRawSize(nullptr, nullptr),
         vlGetRawSize(&raw, nullptr),
@@ -65,18 +65,18 @@ TEST(Arguments, NullsAreRefusedAndNamed) {
     };
     for (std::size_t i = 0; i < std::size(statuses); ++i) EXPECT_EQ(statuses[i], VL_ST_INVALID_PARAMETER) << "case " << i;
     EXPECT_EQ(out, nullptr);
-    vlMallocEx(2, 2, VL_IMAGE_MONO8, nullptr);
+    vlMallocEx(2, 2, VL_IMAGE_MONO8, nullptr, 0, nullptr);
     EXPECT_STREQ(vlGetLastErrorText(), "vlMallocEx: phImage is null");
 }
 
 TEST(Images, HostileSizesAreRefused) {
     VL_IMAGE_HANDLE out = nullptr;
-    EXPECT_EQ(vlMallocEx(0, 1, VL_IMAGE_MONO8, &out), VL_ST_INVALID_PARAMETER);
-    EXPECT_EQ(vlMallocEx(1, 0, VL_IMAGE_MONO8, &out), VL_ST_INVALID_PARAMETER);
-    EXPECT_EQ(vlMallocEx(65536, 1, VL_IMAGE_MONO8, &out), VL_ST_INVALID_PARAMETER);
-    EXPECT_EQ(vlMallocEx(0xFFFFFFFF, 0xFFFFFFFF, VL_IMAGE_BGR16, &out), VL_ST_INVALID_PARAMETER);
-    EXPECT_EQ(vlMallocEx(65535, 65535, VL_IMAGE_MONO8, &out), VL_ST_INVALID_PARAMETER);
-    EXPECT_EQ(vlMallocEx(2, 2, mono12p, &out), VL_ST_NOT_IMPLEMENTED);
+    EXPECT_EQ(vlMallocEx(0, 1, VL_IMAGE_MONO8, nullptr, 0, &out), VL_ST_INVALID_PARAMETER);
+    EXPECT_EQ(vlMallocEx(1, 0, VL_IMAGE_MONO8, nullptr, 0, &out), VL_ST_INVALID_PARAMETER);
+    EXPECT_EQ(vlMallocEx(65536, 1, VL_IMAGE_MONO8, nullptr, 0, &out), VL_ST_INVALID_PARAMETER);
+    EXPECT_EQ(vlMallocEx(0xFFFFFFFF, 0xFFFFFFFF, VL_IMAGE_BGR16, nullptr, 0, &out), VL_ST_INVALID_PARAMETER);
+    EXPECT_EQ(vlMallocEx(65535, 65535, VL_IMAGE_MONO8, nullptr, 0, &out), VL_ST_INVALID_PARAMETER);
+    EXPECT_EQ(vlMallocEx(2, 2, mono12p, nullptr, 0, &out), VL_ST_NOT_IMPLEMENTED);
     EXPECT_EQ(out, nullptr);
     Bytes data(100);
     auto raw = record(mono12p, 10, 7, data);
@@ -126,7 +126,7 @@ TEST(Images, ComeFromARecordAndFromABufferWithPaddingAlike) {
     EXPECT_EQ(from_buffer.Data(), from_record.Data());
     const OwnedImage other(3, 2, VL_IMAGE_MONO8);
     EXPECT_EQ(vlFromRAWtoImage(&raw, other, VL_GAIN_ONE, VL_GAIN_ONE, VL_GAIN_ONE), VL_ST_INVALID_PARAMETER);
-    EXPECT_EQ(vlFromRAWtoImageEx(&raw, from_record, 7, 1, 1, 1), VL_ST_INVALID_PARAMETER);
+    EXPECT_EQ(vlFromRAWtoImageEx(&raw, from_record, 7, 1, 1, 1, 0, nullptr), VL_ST_INVALID_PARAMETER);
 }
 
 TEST(Images, ConvertBetweenAllTypes) {
@@ -154,7 +154,7 @@ TEST(LastError, BelongsToItsThread) {
     EXPECT_EQ(vlFree(nullptr), VL_ST_INVALID_HANDLE);
     std::thread([] {
         EXPECT_STREQ(vlGetLastErrorText(), "");
-        vlMallocEx(0, 0, VL_IMAGE_MONO8, nullptr);
+        vlMallocEx(0, 0, VL_IMAGE_MONO8, nullptr, 0, nullptr);
         EXPECT_THAT(vlGetLastErrorText(), HasSubstr("vlMallocEx"));
     }).join();
     EXPECT_STREQ(vlGetLastErrorText(), "vlFree: the image handle is null");

@@ -20,7 +20,7 @@ class OwnedImage {
 public:
     OwnedImage() = default;
     OwnedImage(std::uint32_t width, std::uint32_t height, std::uint64_t type) {
-        EXPECT_EQ(vlMallocEx(width, height, type, &handle_), VL_ST_SUCCESS);
+        EXPECT_EQ(vlMallocEx(width, height, type, nullptr, 0, &handle_), VL_ST_SUCCESS);
     }
     ~OwnedImage() {
         if (handle_ != nullptr) vlFree(handle_);

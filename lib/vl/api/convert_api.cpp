@@ -1,0 +1,79 @@
+#include <VL.h>
+
+#include "convert/convert.h"
+#include "core/error.h"
+#include "format/raw_view.h"
+#include "image/image_handles.h"
+
+using namespace kiv::vl;
+
+namespace {
+
+/// The record with a buffer that may be read.
+const K_IMAGE_INFO& readable(const K_IMAGE_INFO* raw) {
+    refuse_null(required(raw, "raw").image_data, "image_data");
+    return *raw;
+}
+
+VL_IMAGE_HANDLE image_from(const RawView& raw) {
+    Image image(raw.Width(), raw.Height(), image_type_of(raw.Format()));
+    convert_raw(raw, image, {});
+    return give_image(std::move(image));
+}
+
+VL_DEMOSAIC known(VL_DEMOSAIC quality) {
+    if (quality >= VL_DEMOSAIC_BILINEAR && quality <= VL_DEMOSAIC_BEST) return quality;
+    throw Error(VL_ST_INVALID_PARAMETER, "there is no demosaicing " + std::to_string(quality));
+}
+
+}  // namespace
+
+VL_STATUS VL_CALL vlGetImageType(uint64_t pixelType, uint64_t* pImageType) {
+    return guarded(__func__, [&] { required(pImageType, "pImageType") = image_type_of(pixel_format(pixelType)); });
+}
+
+VL_STATUS VL_CALL vlGetRawSize(const K_IMAGE_INFO* raw, uint64_t* pBytes) {
+    return guarded(__func__, [&] {
+        const RawView view(required(raw, "raw"));
+        required(pBytes, "pBytes") = view.ImageBytes();
+    });
+}
+
+VL_STATUS VL_CALL vlFromRAWtoImage(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE hImage, uint32_t gainRed, uint32_t gainGreen,
+                                   uint32_t gainBlue) {
+    return guarded(__func__, [&] {
+        const auto image = image_of(hImage);
+        convert_raw(RawView(readable(raw)), *image, {VL_DEMOSAIC_BILINEAR, {gainRed, gainGreen, gainBlue}});
+    });
+}
+
+VL_STATUS VL_CALL vlFromRAWtoImageEx(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE hImage, VL_DEMOSAIC demosaic, uint32_t gainRed,
+                                     uint32_t gainGreen, uint32_t gainBlue, int32_t, VL_LUT_HANDLE) {
+    return guarded(__func__, [&] {
+        const auto image = image_of(hImage);
+        convert_raw(RawView(readable(raw)), *image, {known(demosaic), {gainRed, gainGreen, gainBlue}});
+    });
+}
+
+VL_STATUS VL_CALL vlImageFromRaw(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE* phImage) {
+    return guarded(__func__, [&] {
+        auto& out = required(phImage, "phImage");
+        out = image_from(RawView(readable(raw)));
+    });
+}
+
+VL_STATUS VL_CALL vlImageFromBuffer(uint64_t pixelType, uint32_t width, uint32_t height, uint32_t paddingX, const void* data,
+                                    uint64_t size, VL_IMAGE_HANDLE* phImage) {
+    return guarded(__func__, [&] {
+        refuse_null(data, "data");
+        auto& out = required(phImage, "phImage");
+        out = image_from(RawView(pixel_format(pixelType), width, height, paddingX, data, size));
+    });
+}
+
+VL_STATUS VL_CALL vlConvertImage(VL_IMAGE_HANDLE hSource, VL_IMAGE_HANDLE hTarget) {
+    return guarded(__func__, [&] {
+        const auto source = image_of(hSource);
+        convert_image(*source, *image_of(hTarget));
+    });
+}
