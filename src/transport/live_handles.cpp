@@ -27,6 +27,7 @@ struct Segment {
 };
 
 Segment first_segment;
+std::array<std::atomic<std::uint32_t>, kind_bits + 1> alive{};  // of each kind
 std::mutex insert_lock;
 
 std::size_t line_of(std::uintptr_t address) noexcept {
@@ -56,8 +57,12 @@ bool is_live(const void* handle, HandleKind kind) noexcept { return find(word_of
 bool retire_handle(const void* handle, HandleKind kind) noexcept {
     auto word = word_of(handle, kind);
     auto* slot = find(word);
-    return slot && slot->compare_exchange_strong(word, 0);
+    if (!slot || !slot->compare_exchange_strong(word, 0)) return false;
+    --alive[static_cast<std::size_t>(kind)];
+    return true;
 }
+
+bool any_live(HandleKind kind) noexcept { return alive[static_cast<std::size_t>(kind)] != 0; }
 
 LiveHandle::LiveHandle(void* object, HandleKind kind) : object_(object), kind_(kind) {
     auto word = word_of(object, kind);
@@ -66,6 +71,7 @@ LiveHandle::LiveHandle(void* object, HandleKind kind) : object_(object), kind_(k
     for (Segment* segment = &first_segment;; segment = segment->next.load(std::memory_order_relaxed)) {
         for (auto& slot : segment->table[line].words) {
             if (slot.load(std::memory_order_relaxed) != 0) continue;
+            ++alive[static_cast<std::size_t>(kind)];
             slot.store(word, std::memory_order_release);
             return;
         }

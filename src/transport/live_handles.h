@@ -12,9 +12,12 @@
 
 namespace kiv {
 
-enum class HandleKind : std::uint8_t { factory = 1, camera, stream, event, condition, thread, view, transport_layer, interface };
+enum class HandleKind : std::uint8_t { factory = 1, camera, stream, event, condition, thread, view, transport_layer, interface, plain_event };
 
 bool is_live(const void* handle, HandleKind kind) noexcept;
+
+/// Whether any handle of that kind is alive.
+bool any_live(HandleKind kind) noexcept;
 
 /// Takes the handle out of the table; false when it was not there (any more). The winner goes on to destroy the object.
 bool retire_handle(const void* handle, HandleKind kind) noexcept;

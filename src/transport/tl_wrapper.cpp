@@ -37,7 +37,7 @@ K_STATUS_CODES CTLWrapper::Load(const std::string& path) {
     path_ = path;
     try {
         try {
-            module_.emplace(path);
+            module_ = std::make_shared<kiv::platform::DynamicLibrary>(path);
         } catch (const kiv::platform::LoadError& error) {
             kiv::platform::debug_print(std::string("CTLWrapper: ") + error.what() + "\n");
             throw RuntimeException(std::string("Library could not be loaded. ") + error.what(), "CTLWrapper", __LINE__);

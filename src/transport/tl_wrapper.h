@@ -10,7 +10,6 @@
 #include <atomic>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "transport/live_handles.h"
@@ -55,6 +54,8 @@ public:
     const char* Name() const { return sName; }
     const char* TLType() const { return sTLType; }
     const std::string& Path() const { return path_; }
+    /// Keeps the module's code in memory for a thread that a producer does not let go of.
+    std::shared_ptr<const void> Code() const { return module_; }
     bool RegistryFlag() const { return registry_flag_; }
     void SetRegistryFlag(bool flag) { registry_flag_ = flag; }
 
@@ -84,7 +85,7 @@ private:
     bool owns_library_state_ = false;
     std::string path_;
     std::string refusal_;
-    std::optional<kiv::platform::DynamicLibrary> module_;
+    std::shared_ptr<kiv::platform::DynamicLibrary> module_;
     mutable GEV::CCriticalSection interfaces_section_;
     std::map<std::string, std::unique_ptr<CInterfaceClass>> interfaces_;
     ModuleSlot own_module_;

@@ -100,6 +100,8 @@ bool Event::TryTake() noexcept {
     return true;
 }
 
+std::optional<int> Event::FileDescriptor() const noexcept { return static_cast<int>(handle_); }
+
 bool Event::Wait(Milliseconds timeout) {
     Event* const only[] = {this};
     return wait_any(only, timeout).has_value();

@@ -103,6 +103,8 @@ bool Event::TryTake() noexcept {
     return true;
 }
 
+std::optional<int> Event::FileDescriptor() const noexcept { return std::nullopt; }
+
 bool Event::Wait(Milliseconds timeout) {
     Event* const only[] = {this};
     return wait_any(only, timeout).has_value();

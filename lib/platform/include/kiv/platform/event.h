@@ -46,6 +46,9 @@ public:
 
     /// The system's own handle, for waits that this header does not offer: a file descriptor to poll for reading, or a HANDLE.
     std::intptr_t NativeHandle() const noexcept { return handle_; }
+    /// The file descriptor that is readable while the event is set, for loops of the caller's own. Nothing where the system's
+    /// events are no files.
+    std::optional<int> FileDescriptor() const noexcept;
 
 private:
     friend std::optional<std::size_t> wait_any(std::span<Event* const> events, Milliseconds timeout);
