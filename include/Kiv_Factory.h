@@ -20,6 +20,7 @@
 #include <kiv/gentl.h>
 #include <kiv/image.h>
 #include <kiv/node.h>
+#include <kiv/pixel_format.h>
 #include <kiv/types.h>
 
 #endif

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "camera/remote_device.h"
+#include "imaging/pixel_format_tables.h"
 #include "transport/interface.h"
 #include "transport/lock.h"
 
@@ -48,6 +49,8 @@ public:
     /// Null when the camera has none.
     GenApi::INodeMap* GetNodeMap() noexcept { return remote_device_ ? remote_device_->GetNodeMap() : nullptr; }
 
+    kiv::PixelFormatTables& PixelFormats() { return pixel_formats_; }
+
     CFactory* Factory() const { return factory_; }
     void SetFactory(CFactory& factory) { factory_ = &factory; }
 
@@ -68,6 +71,7 @@ private:
     GenTL::IF_HANDLE interface_;
     OpenDevice device_;
     std::unique_ptr<CRemoteDeviceClass> remote_device_;
+    kiv::PixelFormatTables pixel_formats_;
     CFactory* factory_ = nullptr;
     GEV::CCriticalSection section_;
     std::vector<CCameraAttachment*> attachments_;

@@ -19,7 +19,7 @@ PUBLIC = [C_INTERFACE, GENAPI_INTERFACE, GENTL_INTERFACE, REGISTRY_INTERFACE, IM
 BASE = [C_INTERFACE, GENAPI_INTERFACE, "lib/platform", "lib/gcbase"]
 
 ROOMS = {
-    C_INTERFACE: [],
+    C_INTERFACE: [IMAGING_INTERFACE],
     GENAPI_INTERFACE: [],
     GENTL_INTERFACE: [],
     REGISTRY_INTERFACE: [C_INTERFACE],
@@ -35,8 +35,8 @@ ROOMS = {
     "src/imaging": [C_INTERFACE, IMAGING_INTERFACE],
     "src/diagnostics": [*BASE, "lib/log"],
     "src/transport": [*BASE, GENTL_INTERFACE, REGISTRY_INTERFACE, "lib/genapi"],
-    "src/camera": [*BASE, "src/transport", "lib/genapi", "lib/archive", GENTL_INTERFACE],
-    "src/features": [*BASE, "src/camera", "src/transport", "lib/genapi"],
+    "src/camera": [*BASE, "src/transport", "src/imaging", "lib/genapi", "lib/archive", GENTL_INTERFACE],
+    "src/features": [*BASE, "src/camera", "src/transport", "src/imaging", "lib/genapi"],
     "src/acquisition": [*BASE, "src/camera", "src/features", "src/transport", "src/imaging", IMAGING_INTERFACE, GENTL_INTERFACE],
     "src/settings": [*BASE, "src/camera", "src/features"],
     "src/api": [*BASE, GENTL_INTERFACE, REGISTRY_INTERFACE, IMAGING_INTERFACE, "src/transport", "src/camera", "src/features",
