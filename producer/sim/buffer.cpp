@@ -1,5 +1,7 @@
 #include "buffer.h"
 
+#include "flavour.h"
+
 namespace kivsim {
 
 Buffer::Buffer(void* memory, size_t size, void* user_pointer)
@@ -52,6 +54,8 @@ Info Buffer::GetInfo(GenTL::BUFFER_INFO_CMD command, const std::string& tl_type)
 }
 
 Info Buffer::GetFrameInfo(GenTL::BUFFER_INFO_CMD command) const {
+    constexpr GenTL::BUFFER_INFO_CMD missing_packets = 1001;
+    if (flavour.gige && command == missing_packets) return Info::Uint32(content_.missing_packets);
     if (command < GenTL::BUFFER_INFO_BASE || command > GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA)
         fail_unknown_command("DSGetBufferInfo", command);
     if (!content_.new_data) fail(GenTL::GC_ERR_NOT_AVAILABLE, "There is no image in this buffer");

@@ -24,6 +24,7 @@ public:
         bool new_data = false;
         bool incomplete = false;
         bool too_large = false;  ///< the image did not fit
+        uint32_t missing_packets = 0;
     };
 
     /// Over the consumer's memory, or (null) over memory of its own.

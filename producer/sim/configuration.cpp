@@ -1,11 +1,10 @@
 #include "configuration.h"
 
 #include <algorithm>
-#include <initializer_list>
-#include <nlohmann/json.hpp>
 #include <set>
-#include <stdexcept>
 
+#include "configuration_section.h"
+#include "flavour.h"
 #include "kiv/platform/environment.h"
 #include "kiv/platform/paths.h"
 
@@ -13,56 +12,8 @@ namespace kivsim {
 namespace {
 
 namespace platform = kiv::platform;
-using nlohmann::json;
-
 constexpr uint64_t largest_file = 1 << 20;
-
-[[noreturn]] void refuse(const std::string& what) { throw std::runtime_error(what); }
-
-/// A JSON object that knows its place in the file, for messages, and what may stand in it.
-class Section {
-public:
-    Section(const json& object, std::string place, std::initializer_list<std::string_view> keys)
-        : object_(object), place_(std::move(place)) {
-        if (!object.is_object()) refuse(place_ + " is no object");
-        for (const auto& [key, value] : object.items())
-            if (std::find(keys.begin(), keys.end(), key) == keys.end()) refuse(place_ + " has an unknown key \"" + key + "\"");
-    }
-
-    template <typename T>
-    void Get(const char* key, T& value) const {
-        const auto found = object_.find(key);
-        if (found == object_.end()) return;
-        try {
-            if constexpr (std::is_same_v<T, std::string>)
-                value = found->template get_ref<const std::string&>();
-            else if (std::is_same_v<T, bool> ? !found->is_boolean() : !found->is_number())
-                refuse(place_ + "." + key + " has the wrong type");
-            else
-                value = found->template get<T>();
-        } catch (const json::exception&) {
-            refuse(place_ + "." + key + " has the wrong type");
-        }
-    }
-    uint32_t Unsigned(const char* key, uint32_t value) const {
-        const auto found = object_.find(key);
-        if (found == object_.end()) return value;
-        if (!found->is_number_unsigned() || found->get<uint64_t>() > UINT32_MAX)
-            refuse(place_ + "." + key + " is no whole number");
-        return found->get<uint32_t>();
-    }
-    const json& List(const char* key) const {
-        static const json none = json::array();
-        const auto found = object_.find(key);
-        if (found == object_.end()) return none;
-        if (!found->is_array()) refuse(place_ + "." + key + " is no list");
-        return *found;
-    }
-
-private:
-    const json& object_;
-    std::string place_;
-};
+constexpr std::string_view built_in = "built-in";  ///< instead of a file
 
 CameraConfig::Url url_kind(const std::string& word, const std::string& place) {
     if (word == "zip") return CameraConfig::Url::Zip;
@@ -100,15 +51,50 @@ void check_camera(const CameraEntry& entry, const std::string& place) {
     if (!(entry.megabytes_per_second >= 0)) refuse(place + ".link_megabytes_per_second is negative");
 }
 
+/// The value of a key, taken apart by `parse`; the present value when the key is not there.
+template <typename T>
+void get_address(const Section& section, const char* key, std::optional<T> (*parse)(std::string_view), T& value) {
+    if (!section.Find(key)) return;
+    std::string text;
+    section.Get(key, text);
+    const auto parsed = parse(text);
+    if (!parsed) refuse(section.Place() + "." + key + ": " + text + " is no such address");
+    value = *parsed;
+}
+
+/// Locally administered addresses, the same in every session: 02:4B:53, interface, camera.
+uint64_t default_mac(size_t interface, size_t camera) { return 0x024B53000000 | (interface & 0xFF) << 16 | (camera & 0xFFFF); }
+
+NetworkPort default_network(size_t interface) {
+    return {0xC0A80001U | static_cast<uint32_t>((57 + interface) & 0xFF) << 8, 0xFFFFFF00U, 0, default_mac(interface, 0)};
+}
+
+/// Where the camera stands on the network of its interface, unless the file says otherwise.
+void place_on_network(CameraEntry& entry, const InterfaceEntry& interface) {
+    const auto number = static_cast<uint32_t>(interface.cameras.size());
+    entry.network = interface.network;
+    entry.network.ip = (interface.network.ip & interface.network.subnet_mask) + 100 + number;
+    entry.network.mac = interface.network.mac + 1 + number;
+}
+
+std::string default_id(const CameraEntry& entry, const InterfaceEntry& interface) {
+    return (flavour.gige ? mac_text(entry.network.mac) : interface.id) + "_" + entry.camera.serial;
+}
+
 CameraEntry read_camera(const json& object, const std::string& place, const InterfaceEntry& interface, const std::string& file) {
     const Section section(object, place,
                           {"id", "model", "serial", "user_id", "url", "width", "height", "color", "frame_rate", "images", "seed",
-                           "unplug_file", "link_megabytes_per_second"});
+                           "unplug_file", "link_megabytes_per_second", "ip", "mac"});
     CameraEntry entry;
     CameraConfig& camera = entry.camera;
     std::string url = "zip";
     section.Get("serial", camera.serial);
-    entry.id = interface.id + "_" + camera.serial;
+    if (flavour.gige) {
+        place_on_network(entry, interface);
+        get_address(section, "ip", ip_of, entry.network.ip);
+        get_address(section, "mac", mac_of, entry.network.mac);
+    }
+    entry.id = default_id(entry, interface);
     section.Get("id", entry.id);
     section.Get("color", camera.color);
     camera.model = camera.color ? "KivSim-5MC" : "KivSim-5MM";
@@ -126,10 +112,11 @@ CameraEntry read_camera(const json& object, const std::string& place, const Inte
     entry.unplug_file = beside(file, entry.unplug_file);
     section.Get("link_megabytes_per_second", entry.megabytes_per_second);
     check_camera(entry, place);
+    entry.state = std::make_shared<CameraState>(entry.unplug_file, entry.network.ip);
     return entry;
 }
 
-const std::set<std::string> tl_types = {"Custom", "GEV", "CL", "CLHS", "CXP", "U3V"};
+const std::set<std::string> tl_types = {"Custom", "GEV", "GigEVision", "CL", "CLHS", "CXP", "U3V"};
 
 void check_unique(const Configuration& configuration) {
     std::set<std::string> interfaces, serials;
@@ -143,19 +130,29 @@ void check_unique(const Configuration& configuration) {
     }
 }
 
+InterfaceEntry new_interface(size_t index) {
+    InterfaceEntry interface;
+    interface.id = (flavour.gige ? "GEV" : "SIM") + std::to_string(index);
+    if (flavour.gige) interface.network = default_network(index);
+    return interface;
+}
+
 Configuration read_configuration(const json& root, const std::string& file) {
     const Section section(root, "the file", {"tl_type", "interfaces"});
     Configuration configuration;
+    configuration.tl_type = flavour.tl_type;
     section.Get("tl_type", configuration.tl_type);
     if (!tl_types.contains(configuration.tl_type))
-        refuse("tl_type " + configuration.tl_type + " is none of Custom, GEV, CL, CLHS, CXP, U3V");
+        refuse("tl_type " + configuration.tl_type + " is none of Custom, GEV, GigEVision, CL, CLHS, CXP, U3V");
     for (const json& item : section.List("interfaces")) {
         const std::string place = "interfaces[" + std::to_string(configuration.interfaces.size()) + "]";
-        const Section part(item, place, {"id", "cameras"});
-        InterfaceEntry interface;
-        interface.id = "SIM" + std::to_string(configuration.interfaces.size());
+        const Section part(item, place, {"id", "cameras", "ip", "subnet_mask", "mac"});
+        InterfaceEntry interface = new_interface(configuration.interfaces.size());
         part.Get("id", interface.id);
         if (!is_id(interface.id)) refuse(place + ".id is no text of 1 to 128 characters");
+        get_address(part, "ip", ip_of, interface.network.ip);
+        get_address(part, "subnet_mask", ip_of, interface.network.subnet_mask);
+        get_address(part, "mac", mac_of, interface.network.mac);
         for (const json& camera : part.List("cameras"))
             interface.cameras.push_back(
                 read_camera(camera, place + ".cameras[" + std::to_string(interface.cameras.size()) + "]", interface, file));
@@ -165,38 +162,54 @@ Configuration read_configuration(const json& root, const std::string& file) {
     return configuration;
 }
 
-Configuration default_configuration() {
+CameraEntry built_in_camera(bool color, const char* serial) {
+    CameraEntry entry;
+    entry.camera.serial = serial;
+    entry.camera.color = color;
+    entry.camera.model = std::string(flavour.model) + (color ? "-5MC" : "-2MM");
+    if (color) return entry;
+    entry.camera.sensor_width = 1600;
+    entry.camera.sensor_height = 1200;
+    entry.camera.max_frame_rate = 60;
+    entry.camera.seed = 2;
+    entry.camera.url = CameraConfig::Url::Plain;
+    return entry;
+}
+
+void add_built_in(InterfaceEntry& interface, CameraEntry entry) {
+    if (flavour.gige) place_on_network(entry, interface);
+    entry.id = default_id(entry, interface);
+    entry.state = std::make_shared<CameraState>("", entry.network.ip);
+    interface.cameras.push_back(std::move(entry));
+}
+
+Configuration default_configuration(bool with_cameras) {
     Configuration configuration;
-    CameraEntry color, mono;
-    color.id = "SIM0_4F0001";
-    color.camera.model = "KivSim-5MC";
-    color.camera.serial = "4F0001";
-    color.camera.color = true;
-    mono.id = "SIM1_4F0002";
-    mono.camera.model = "KivSim-2MM";
-    mono.camera.serial = "4F0002";
-    mono.camera.sensor_width = 1600;
-    mono.camera.sensor_height = 1200;
-    mono.camera.max_frame_rate = 60;
-    mono.camera.seed = 2;
-    mono.camera.url = CameraConfig::Url::Plain;
-    configuration.interfaces = {{"SIM0", {color}}, {"SIM1", {mono}}};
+    configuration.tl_type = flavour.tl_type;
+    configuration.interfaces = {new_interface(0)};
+    if (!flavour.gige) configuration.interfaces.push_back(new_interface(1));
+    if (!with_cameras) return configuration;
+    add_built_in(configuration.interfaces.front(), built_in_camera(true, flavour.gige ? "6E0001" : "4F0001"));
+    add_built_in(configuration.interfaces.back(), built_in_camera(false, flavour.gige ? "6E0002" : "4F0002"));
     return configuration;
 }
 
 std::filesystem::path state_folder() {
-    if (const auto chosen = platform::get_environment("KIV_SIM_STATE"); chosen && !chosen->empty())
-        return platform::path_from_utf8(*chosen);
-    return platform::path_from_utf8(platform::join_path(platform::user_runtime_folder(), "kiv-sim"));
+    const auto chosen = platform::get_environment("KIV_SIM_STATE");
+    const auto folder = chosen && !chosen->empty() ? *chosen : platform::join_path(platform::user_runtime_folder(), "kiv-sim");
+    return platform::path_from_utf8(folder) / flavour.state_folder;
 }
 
 }  // namespace
 
 Configuration load_configuration() {
-    const auto file = platform::get_environment("KIV_SIM_CONFIG");
+    const auto file = platform::get_environment(flavour.config_variable);
+    const bool none = !file || file->empty();
     Configuration configuration;
-    if (!file || file->empty()) {
-        configuration = default_configuration();
+    if (none || *file == built_in) {
+        // The GigE Vision producer stands beside the plain one in the registry file; its cameras shall not crowd the list
+        // unasked.
+        configuration = default_configuration(!none || !flavour.gige);
     } else {
         const std::string text = platform::read_file(*file, largest_file);
         try {

@@ -1,11 +1,14 @@
-/// Which interfaces and cameras exist: the JSON file that KIV_SIM_CONFIG names, or two cameras when it names none.
+/// Which interfaces and cameras exist: the JSON file that the environment names, or what is built in when it names none.
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "camera/camera.h"
+#include "camera_state.h"
+#include "network.h"
 
 namespace kivsim {
 
@@ -14,15 +17,18 @@ struct CameraEntry {
     CameraConfig camera;
     std::string unplug_file;          ///< while this file exists the camera is gone; empty: never
     double megabytes_per_second = 0;  ///< speed of the link; 0: a frame arrives at once
+    NetworkPort network;              ///< of a GigE Vision camera when it is switched on
+    std::shared_ptr<CameraState> state;
 };
 
 struct InterfaceEntry {
     std::string id;
+    NetworkPort network;  ///< GigE Vision only
     std::vector<CameraEntry> cameras;
 };
 
 struct Configuration {
-    std::string tl_type = "Custom";
+    std::string tl_type;
     std::filesystem::path state_folder;  ///< where cameras keep their registers and locks
     std::vector<InterfaceEntry> interfaces;
 };

@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "camera/register_file.h"
+#include "flavour.h"
 #include "interface.h"
-#include "kiv/platform/paths.h"
 #include "session.h"
 #include "stream.h"
 
@@ -39,9 +39,7 @@ CameraIdentity camera_identity(const CameraEntry& entry) {
     return {registers.Text(Reg::ManufacturerName), registers.Text(Reg::DeviceVersion), registers.Text(Reg::UserDefinedName)};
 }
 
-bool is_unplugged(const CameraEntry& entry) {
-    return !entry.unplug_file.empty() && kiv::platform::path_exists(entry.unplug_file);
-}
+bool is_unplugged(const CameraEntry& entry) { return entry.state->Unplugged(); }
 
 Info device_info(const Session& session, const CameraEntry& entry, const CameraIdentity& identity,
                  GenTL::DEVICE_ACCESS_STATUS status, GenTL::DEVICE_INFO_CMD command) {
@@ -71,14 +69,17 @@ Info device_info(const Session& session, const CameraEntry& entry, const CameraI
     }
 }
 
-Device::Device(Session& session, Interface& parent, const CameraEntry& entry, GenTL::DEVICE_ACCESS_FLAGS access)
+Device::Device(Session& session, Interface& parent, const CameraEntry& entry, GenTL::DEVICE_ACCESS_FLAGS access,
+               uint32_t multicast)
     : Module(session, "DevicePort", "Device", {GenTL::EVENT_ERROR}),
       parent_(parent),
       entry_(entry),
       access_(access),
+      multicast_(multicast),
       locks_(DeviceAccess::Acquire(session.configuration.state_folder, entry.camera.serial, access)),
       camera_(entry.camera) {
     ListFeatures();
+    if (flavour.gige) ListNetworkFeatures();
     ListStreamFeatures();
     FinishFeatures();
 }
@@ -122,6 +123,34 @@ void Device::ListFeatures() {
     features_.Enumeration("DeviceEventDataFormat", "Layout of the device's events", {"None"}, [] { return 0; });
 }
 
+void Device::ListNetworkFeatures() {
+    const NetworkPort& network = entry_.network;
+    features_.Integer("GevDeviceMACAddress", "MAC address of the device", [&] { return static_cast<int64_t>(network.mac); });
+    features_.Integer("GevDeviceIPAddress", "Present IP address of the device", [this] { return entry_.state->Ip(); });
+    features_.Integer("GevDeviceSubnetMask", "Present subnet mask of the device", [&] { return network.subnet_mask; });
+    features_.Integer("GevDeviceGateway", "Present gateway of the device", [&] { return network.gateway; });
+    features_.Integer("GevDeviceMulticast", "Multicast setting that the device was opened with; 0: unicast",
+                      [this] { return multicast_; });
+}
+
+Info Device::CustomFeature(int32_t feature) const {
+    enum Feature { IpAddress = 1, SubnetMask, Gateway, MacAddress, Multicast };
+    switch (feature) {
+        case IpAddress:
+            return Info::Uint32(entry_.state->Ip());
+        case SubnetMask:
+            return Info::Uint32(entry_.network.subnet_mask);
+        case Gateway:
+            return Info::Uint32(entry_.network.gateway);
+        case MacAddress:
+            return Info::Uint64(entry_.network.mac);
+        case Multicast:
+            return Info::Uint32(multicast_);
+        default:
+            fail(GenTL::GC_ERR_NOT_IMPLEMENTED, "A device has no custom feature " + std::to_string(feature));
+    }
+}
+
 void Device::ListStreamFeatures() {
     features_.Category("StreamEnumeration");
     features_.Index(
@@ -137,12 +166,12 @@ Info Device::GetInfo(GenTL::DEVICE_INFO_CMD command) {
     return device_info(session_, entry_, camera_identity(camera_), status, command);
 }
 
-std::shared_ptr<Stream> Device::OpenStream(std::string_view id) {
+std::shared_ptr<Stream> Device::OpenStream(std::string_view id, uint32_t multicast) {
     if (id != StreamId()) fail(GenTL::GC_ERR_INVALID_ID, "Device " + entry_.id + " has no stream \"" + std::string(id) + "\"");
     if (stream_) fail(GenTL::GC_ERR_RESOURCE_IN_USE, "Stream " + StreamId() + " is open already");
     if (ReadOnly()) fail(GenTL::GC_ERR_ACCESS_DENIED, "Device " + entry_.id + " is opened for reading only");
     Present();
-    stream_ = std::make_shared<Stream>(session_, shared_from_this());
+    stream_ = std::make_shared<Stream>(session_, shared_from_this(), multicast);
     session_.handles.Add(stream_);
     return stream_;
 }

@@ -19,7 +19,7 @@ class Stream;
 class Device : public Module, public std::enable_shared_from_this<Device> {
 public:
     /// Throws ACCESS_DENIED when another process has the camera, ERROR when its registers cannot be mapped.
-    Device(Session& session, Interface& parent, const CameraEntry& entry, GenTL::DEVICE_ACCESS_FLAGS access);
+    Device(Session& session, Interface& parent, const CameraEntry& entry, GenTL::DEVICE_ACCESS_FLAGS access, uint32_t multicast);
     ~Device() override;
 
     Interface& Parent() const { return parent_; }
@@ -30,7 +30,9 @@ public:
 
     Info GetInfo(GenTL::DEVICE_INFO_CMD command);
     std::string StreamId() const { return entry_.id + "_Stream0"; }
-    std::shared_ptr<Stream> OpenStream(std::string_view id);
+    /// Properties of a GigE Vision device that DevQueryCustomFeature tells by number.
+    Info CustomFeature(int32_t feature) const;
+    std::shared_ptr<Stream> OpenStream(std::string_view id, uint32_t multicast = 0);
     void StreamClosed() { stream_.reset(); }
 
     void Close();
@@ -46,11 +48,13 @@ public:
 
 private:
     void ListFeatures();
+    void ListNetworkFeatures();
     void ListStreamFeatures();
 
     Interface& parent_;  // closes its children before it goes
     const CameraEntry& entry_;
     const GenTL::DEVICE_ACCESS_FLAGS access_;
+    const uint32_t multicast_;
     std::optional<DeviceAccess> locks_;
     Camera camera_;
     std::atomic<bool> vanished_{false};

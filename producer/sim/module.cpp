@@ -31,7 +31,8 @@ const std::vector<std::string>& transport_words() {
 }
 
 int64_t transport_word_index(const std::string& tl_type) {
-    const auto* row = std::find_if(std::begin(transports), std::end(transports), [&](auto& r) { return tl_type == r.tl_type; });
+    const auto is_meant = [&](const TransportWord& row) { return tl_type == row.tl_type || tl_type == row.word; };
+    const auto* row = std::find_if(std::begin(transports), std::end(transports), is_meant);
     return row - std::begin(transports);
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "flavour.h"
 #include "session.h"
 
 namespace kivsim {
@@ -19,8 +20,10 @@ int64_t number(const Info& info) {
 
 }  // namespace
 
-Stream::Stream(Session& session, std::shared_ptr<Device> device)
-    : Module(session, "StreamPort", "Stream", {GenTL::EVENT_ERROR, GenTL::EVENT_NEW_BUFFER}), device_(std::move(device)) {
+Stream::Stream(Session& session, std::shared_ptr<Device> device, uint32_t multicast)
+    : Module(session, "StreamPort", "Stream", {GenTL::EVENT_ERROR, GenTL::EVENT_NEW_BUFFER}),
+      device_(std::move(device)),
+      parameters_(multicast) {
     ListFeatures();
     FinishFeatures();
     engine_ = std::thread([this] { RunEngine(); });
@@ -157,7 +160,8 @@ void Stream::Flush(GenTL::ACQ_QUEUE_TYPE operation) {
 }
 
 void Stream::Start(GenTL::ACQ_START_FLAGS flags, uint64_t count) {
-    if (flags != GenTL::ACQ_START_FLAGS_DEFAULT)
+    constexpr GenTL::ACQ_START_FLAGS gige_start = 1;
+    if (flags != GenTL::ACQ_START_FLAGS_DEFAULT && !(flavour.gige && flags == gige_start))
         fail(GenTL::GC_ERR_NOT_IMPLEMENTED, "There is no start flag " + std::to_string(flags));
     if (count == 0) fail(GenTL::GC_ERR_INVALID_PARAMETER, "No image at all cannot be acquired");
     device_->Present();
@@ -216,6 +220,16 @@ Info Stream::GetInfo(GenTL::STREAM_INFO_CMD command) {
     }
 }
 
+Info Stream::Parameter(int32_t parameter) {
+    const Guard guard = LockOpen();
+    return parameters_.Get(parameter);
+}
+
+void Stream::SetParameter(int32_t parameter, uint32_t value) {
+    const Guard guard = LockOpen();
+    parameters_.Set(parameter, value);
+}
+
 std::shared_ptr<Buffer> Stream::BufferAt(uint32_t index) {
     const Guard guard = LockOpen();
     if (index < announced_.size()) return announced_[index];
@@ -247,7 +261,7 @@ PortIdentity Stream::Identity() {
     PortIdentity identity;
     identity.id = device_->StreamId();
     identity.vendor = producer_vendor;
-    identity.model = "KivSim";
+    identity.model = flavour.model;
     identity.tl_type = session_.configuration.tl_type;
     identity.module = "TLDataStream";
     identity.version = producer_version;

@@ -16,13 +16,14 @@
 #include "buffer.h"
 #include "device.h"
 #include "module.h"
+#include "stream_parameters.h"
 
 namespace kivsim {
 
 /// Unlike the other modules a stream has a lock of its own: but for Close and the port, its members need no lock of the tree.
 class Stream : public Module {
 public:
-    Stream(Session& session, std::shared_ptr<Device> device);
+    Stream(Session& session, std::shared_ptr<Device> device, uint32_t multicast);
     ~Stream() override;
 
     const std::shared_ptr<Device>& Owner() const { return device_; }
@@ -38,6 +39,10 @@ public:
     Info GetInfo(GenTL::STREAM_INFO_CMD command);
     std::shared_ptr<Buffer> BufferAt(uint32_t index);
     Info BufferInfo(const std::shared_ptr<Buffer>& buffer, GenTL::BUFFER_INFO_CMD command);
+    /// The transport behind a GigE Vision stream, by number. Throws NOT_IMPLEMENTED, ACCESS_DENIED, INVALID_VALUE.
+    Info Parameter(int32_t parameter);
+    void SetParameter(int32_t parameter, uint32_t value);
+
     /// Throws INVALID_HANDLE for the buffer of another stream.
     void CheckOwn(const std::shared_ptr<Buffer>& buffer);
 
@@ -65,7 +70,7 @@ private:
     Buffer::Content Fill(Buffer& buffer);
     size_t Transfer(std::span<const std::byte> frame, std::span<std::byte> buffer);
     void EndFill(const std::shared_ptr<Buffer>& buffer, const Buffer::Content& content);
-    void Deliver(const std::shared_ptr<Buffer>& buffer, const Buffer::Content& content);
+    void Deliver(const std::shared_ptr<Buffer>& buffer, const Buffer::Content& arrived);
 
     const std::shared_ptr<Device> device_;
     std::mutex lock_;
@@ -77,6 +82,7 @@ private:
     bool started_ = false;   ///< between start and stop
     bool grabbing_ = false;  ///< ... and the asked number is not reached
     bool closing_ = false;
+    StreamParameters parameters_;
     uint64_t wanted_ = 0, delivered_ = 0, lost_ = 0, fills_ = 0;
     std::vector<std::byte> line_buffer_;  ///< the frame on a slow link; the engine's alone
     std::thread engine_;

@@ -105,7 +105,9 @@ void Stream::EndFill(const std::shared_ptr<Buffer>& buffer, const Buffer::Conten
     changed_.notify_all();
 }
 
-void Stream::Deliver(const std::shared_ptr<Buffer>& buffer, const Buffer::Content& content) {
+void Stream::Deliver(const std::shared_ptr<Buffer>& buffer, const Buffer::Content& arrived) {
+    Buffer::Content content = arrived;
+    content.missing_packets = parameters_.Arrived(content.filled, content.frame.size);
     buffer->SetContent(content);
     if (content.too_large)
         Events().FireError(GenTL::GC_ERR_BUFFER_TOO_SMALL, "A frame of " + std::to_string(content.frame.size) +

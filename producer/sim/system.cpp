@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "device.h"
+#include "flavour.h"
 #include "interface.h"
 #include "session.h"
 
@@ -10,11 +12,11 @@ namespace kivsim {
 Info system_info(const Session& session, GenTL::TL_INFO_CMD command) {
     switch (command) {
         case GenTL::TL_INFO_ID:
-            return Info::Text("KIV_SIM");
+            return Info::Text(flavour.system_id);
         case GenTL::TL_INFO_VENDOR:
             return Info::Text(producer_vendor);
         case GenTL::TL_INFO_MODEL:
-            return Info::Text("KivSim");
+            return Info::Text(flavour.model);
         case GenTL::TL_INFO_VERSION:
             return Info::Text(producer_version);
         case GenTL::TL_INFO_TLTYPE:
@@ -24,7 +26,7 @@ Info system_info(const Session& session, GenTL::TL_INFO_CMD command) {
         case GenTL::TL_INFO_PATHNAME:
             return Info::Text(session.module_path);
         case GenTL::TL_INFO_DISPLAYNAME:
-            return Info::Text("KivSim simulated cameras");
+            return Info::Text(flavour.display_name);
         case GenTL::TL_INFO_CHAR_ENCODING:
             return Info::Int32(GenTL::TL_CHAR_ENCODING_UTF8);
         case GenTL::TL_INFO_GENTL_VER_MAJOR:
@@ -135,6 +137,10 @@ std::shared_ptr<Interface> System::OpenInterface(std::string_view id) {
     session_.handles.Add(interface);
     open_.emplace(entry.id, interface);
     return interface;
+}
+
+void System::SendAction(uint32_t device_key, uint32_t group_key, uint32_t group_mask) {
+    for (const auto& [id, interface] : open_) interface->SendAction(device_key, group_key, group_mask);
 }
 
 void System::Close() {

@@ -27,6 +27,9 @@ public:
     std::shared_ptr<Interface> OpenInterface(std::string_view id);
     void InterfaceClosed(const std::string& id) { open_.erase(id); }
 
+    /// An action command to every camera that is open here.
+    void SendAction(uint32_t device_key, uint32_t group_key, uint32_t group_mask);
+
     void Close();
 
     PortIdentity Identity() override;

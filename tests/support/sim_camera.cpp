@@ -5,8 +5,9 @@
 namespace kiv_test {
 
 std::string sim_producer() { return KIV_SIM_PRODUCER; }
+std::string sim_gev_producer() { return KIV_SIM_GEV_PRODUCER; }
 
-SimCamera::SimCamera() {
+SimCamera::SimCamera(const char* registry_key, const std::string& file) : key(registry_key), producer(file) {
     Configure(R"({
   "interfaces": [
     {"id": "SIM0", "cameras": [
@@ -16,10 +17,20 @@ SimCamera::SimCamera() {
 })");
 }
 
+SimGevCamera::SimGevCamera() : SimCamera("KIV_SIM_GEV", sim_gev_producer()) {
+    Configure(R"({
+  "interfaces": [
+    {"id": "GEV0", "cameras": [
+      {"serial": "G0001", "width": 128, "height": 96, "frame_rate": 500, "unplug_file": "unplug"},
+      {"serial": "G0002", "color": true, "width": 128, "height": 96, "frame_rate": 500, "url": "plain"}]}
+  ]
+})");
+}
+
 void SimCamera::Configure(const std::string& json) { folder.Write("sim.json", json); }
 
 void SimCamera::OpenFactory() {
-    auto registry = write_registry(folder, "registry.xml", {{"KIV_SIM", sim_producer()}});
+    auto registry = write_registry(folder, "registry.xml", {{key, producer}});
     ASSERT_STATUS(K_ST_SUCCESS, K_Factory_Open(registry.c_str(), &factory));
     bool changed = false;
     ASSERT_STATUS(K_ST_SUCCESS, K_Factory_UpdateCameraList(factory, &changed));

@@ -12,12 +12,14 @@
 
 namespace kiv_test {
 
-/// The file of the simulated producer.
+/// The files of the simulated producers: the plain one, and the one of GigE Vision cameras.
 std::string sim_producer();
+std::string sim_gev_producer();
 
 class SimCamera : public ::testing::Test {
 protected:
-    SimCamera();
+    SimCamera() : SimCamera("KIV_SIM", sim_producer()) {}
+    SimCamera(const char* key, const std::string& producer);
     void TearDown() override;
 
     /// Writes the configuration; to be called before the factory opens. The first one has a colour camera "T0001" whose
@@ -32,12 +34,19 @@ protected:
     std::int64_t Integer(const char* feature);
     std::string Text(const char* feature);
 
+    const std::string key, producer;  ///< in the registry
     TempFolder folder;
     ScopedEnvironment cache{"KIVSDK_ROOT", folder.Path() + "/cache/"};
-    ScopedEnvironment config{"KIV_SIM_CONFIG", folder.In("sim.json")};
+    ScopedEnvironment config{key + "_CONFIG", folder.In("sim.json")};
     ScopedEnvironment state{"KIV_SIM_STATE", folder.In("state")};
     FACTORY_HANDLE factory = nullptr;
     CAM_HANDLE camera = nullptr;
+};
+
+/// The same with the cameras of KivSimGev.cti: "G0001" and "G0002" on the interface "GEV0".
+class SimGevCamera : public SimCamera {
+protected:
+    SimGevCamera();
 };
 
 }  // namespace kiv_test

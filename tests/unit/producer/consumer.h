@@ -2,6 +2,7 @@
 #pragma once
 
 #include <GenTL/GenTL.h>
+#include <GenTL/extensions.h>
 #include <kiv/platform/dynamic_library.h>
 
 #include <cstring>
@@ -17,6 +18,8 @@ public:
 
 #define KIV_DECLARE_ENTRY(name, arguments) GenTL::P##name name = nullptr;
     GENTL_FUNCTION_LIST(KIV_DECLARE_ENTRY)
+    /// Null in a producer that keeps to the standard.
+    GENTL_EXTENSION_LIST(KIV_DECLARE_ENTRY)
 #undef KIV_DECLARE_ENTRY
 
 private:

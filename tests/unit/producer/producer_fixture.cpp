@@ -6,7 +6,7 @@
 
 namespace kiv::test {
 
-ProducerTest::ProducerTest() : gentl(KIV_SIM_PRODUCER) {
+ProducerTest::ProducerTest(const char* producer, const char* variable) : config_variable(variable), gentl(producer) {
     platform::set_environment("KIV_SIM_STATE", folder / "state");
     Configure(R"({"interfaces": [
         {"id": "SIM0", "cameras": [
@@ -18,7 +18,7 @@ ProducerTest::ProducerTest() : gentl(KIV_SIM_PRODUCER) {
 ProducerTest::~ProducerTest() { gentl.GCCloseLib(); }
 
 void ProducerTest::Configure(const std::string& json) {
-    platform::set_environment("KIV_SIM_CONFIG", folder.Write("config.json", json));
+    platform::set_environment(config_variable, folder.Write("config.json", json));
 }
 
 void ProducerTest::OpenSystem() {

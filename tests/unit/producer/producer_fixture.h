@@ -24,7 +24,9 @@ constexpr uint64_t width = 0x20100, payload_size = 0x2012C, start = 0x20204, sto
 
 class ProducerTest : public testing::Test {
 protected:
-    ProducerTest();
+    ProducerTest() : ProducerTest(KIV_SIM_PRODUCER, "KIV_SIM_CONFIG") {}
+    /// Another producer of the same sources, and the environment variable that names its configuration.
+    ProducerTest(const char* producer, const char* config_variable);
     ~ProducerTest() override;
 
     /// Takes effect at the next GCInitLib. The first one: SIM0 with FAST (128 x 96 monochrome) and SLOW (the same behind a link
@@ -69,6 +71,7 @@ protected:
     std::string LastErrorText();
 
     TemporaryFolder folder;
+    const char* const config_variable;
     EntryPoints gentl;
     TL_HANDLE system = nullptr;
     IF_HANDLE interface = nullptr;
