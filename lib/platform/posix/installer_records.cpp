@@ -16,7 +16,8 @@ constexpr std::string_view hive = "HKEY_LOCAL_MACHINE\\";
 
 struct Value {
     std::string name;
-    std::optional<std::uint32_t> number;  // nothing: a value of a type that nobody asks for
+    std::optional<std::uint32_t> number;  // one of the two, or none: a value of a type that nobody asks for
+    std::optional<std::string> text;
 };
 
 struct Key {
@@ -76,7 +77,7 @@ std::optional<Value> parse_value(std::string_view line) {
     line = trim(line);
     if (!line.starts_with('=')) return std::nullopt;
     line = trim(line.substr(1));
-    Value value{*name, std::nullopt};
+    Value value{*name, std::nullopt, take_quoted(line)};
     constexpr std::string_view number_mark = "dword:";
     if (!same_name(line.substr(0, number_mark.size()), number_mark)) return value;
     line.remove_prefix(number_mark.size());
@@ -119,6 +120,14 @@ std::optional<Key> find_key(const std::string& name) try {
     return std::nullopt;
 }
 
+std::optional<Value> find_value(const std::string& key, const std::string& value) {
+    const auto found = find_key(key);
+    if (!found) return std::nullopt;
+    const auto named = std::ranges::find_if(found->values, [&](const Value& v) { return same_name(v.name, value); });
+    if (named == found->values.end()) return std::nullopt;
+    return *named;
+}
+
 }  // namespace
 
 bool installer_key_exists(const std::string& key) { return find_key(key).has_value(); }
@@ -130,10 +139,13 @@ std::optional<std::string> first_installer_value_name(const std::string& key) {
 }
 
 std::optional<std::uint32_t> installer_number(const std::string& key, const std::string& value) {
-    const auto found = find_key(key);
-    if (!found) return std::nullopt;
-    const auto named = std::ranges::find_if(found->values, [&](const Value& v) { return same_name(v.name, value); });
-    return named == found->values.end() ? std::nullopt : named->number;
+    const auto found = find_value(key, value);
+    return found ? found->number : std::nullopt;
+}
+
+std::optional<std::string> installer_text(const std::string& key, const std::string& value) {
+    const auto found = find_value(key, value);
+    return found ? found->text : std::nullopt;
 }
 
 }  // namespace kiv::platform

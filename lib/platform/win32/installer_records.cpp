@@ -44,4 +44,16 @@ std::optional<std::uint32_t> installer_number(const std::string& key, const std:
     return number;
 }
 
+std::optional<std::string> installer_text(const std::string& key, const std::string& value) {
+    const OwnedKey opened = open_key(key);
+    if (!opened) return std::nullopt;
+    std::wstring text(32768, L'\0');
+    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    const LSTATUS status =
+        RegGetValueW(opened.get(), nullptr, wide_from_utf8(value).c_str(), RRF_RT_REG_SZ, nullptr, text.data(), &size);
+    if (status != ERROR_SUCCESS) return std::nullopt;
+    text.resize(text.find(L'\0'));
+    return utf8_from_wide(text);
+}
+
 }  // namespace kiv::platform

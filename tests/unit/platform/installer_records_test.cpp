@@ -53,6 +53,8 @@ TEST_F(InstallerRecords, KeysAndValuesAreFound) {
     EXPECT_EQ(15u, installer_number(products + "ONE", "Later")) << "a key in two parts";
     for (const char* none : {"Binary", "Text", "Wrong", "Missing"})
         EXPECT_EQ(std::nullopt, installer_number(products + "ONE", none)) << none;
+    EXPECT_EQ("dword:5", installer_text(products + "ONE", "text"));
+    EXPECT_EQ(std::nullopt, installer_text(products + "ONE", "Version"));
     EXPECT_EQ(std::nullopt, installer_number(products + "TWO", "Version"));
 }
 

@@ -20,4 +20,7 @@ std::optional<std::string> first_installer_value_name(const std::string& key);
 /// A 32-bit number; nothing when key or value do not exist or the value is of another type.
 std::optional<std::uint32_t> installer_number(const std::string& key, const std::string& value);
 
+/// A text; nothing when key or value do not exist or the value is of another type.
+std::optional<std::string> installer_text(const std::string& key, const std::string& value);
+
 }  // namespace kiv::platform
