@@ -4,6 +4,7 @@
 #include "core/error.h"
 #include "format/raw_view.h"
 #include "image/image_handles.h"
+#include "lut/lut_handles.h"
 
 using namespace kiv::vl;
 
@@ -26,6 +27,18 @@ VL_DEMOSAIC known(VL_DEMOSAIC quality) {
     throw Error(VL_ST_INVALID_PARAMETER, "there is no demosaicing " + std::to_string(quality));
 }
 
+void convert_with(const K_IMAGE_INFO* raw, Image& image, VL_DEMOSAIC demosaic, const Gains& gains, int32_t offset,
+                  VL_LUT_HANDLE hLut) {
+    const auto lut = hLut == nullptr ? nullptr : luts().Of(hLut);
+    convert_raw(RawView(readable(raw)), image, {known(demosaic), {gains, offset, lut.get(), true}});
+}
+
+std::shared_ptr<Image> dib_of(VL_IMAGE_HANDLE handle) {
+    auto image = image_of(handle);
+    if (!image->IsDib()) throw Error(VL_ST_INVALID_PARAMETER, "the image is no DIB");
+    return image;
+}
+
 }  // namespace
 
 VL_STATUS VL_CALL vlGetImageType(uint64_t pixelType, uint64_t* pImageType) {
@@ -43,15 +56,31 @@ VL_STATUS VL_CALL vlFromRAWtoImage(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE hIma
                                    uint32_t gainBlue) {
     return guarded(__func__, [&] {
         const auto image = image_of(hImage);
-        convert_raw(RawView(readable(raw)), *image, {VL_DEMOSAIC_BILINEAR, {gainRed, gainGreen, gainBlue}});
+        convert_raw(RawView(readable(raw)), *image, {VL_DEMOSAIC_BILINEAR, {{gainRed, gainGreen, gainBlue}}});
     });
 }
 
 VL_STATUS VL_CALL vlFromRAWtoImageEx(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE hImage, VL_DEMOSAIC demosaic, uint32_t gainRed,
-                                     uint32_t gainGreen, uint32_t gainBlue, int32_t, VL_LUT_HANDLE) {
+                                     uint32_t gainGreen, uint32_t gainBlue, int32_t offset, VL_LUT_HANDLE hLut) {
     return guarded(__func__, [&] {
         const auto image = image_of(hImage);
-        convert_raw(RawView(readable(raw)), *image, {known(demosaic), {gainRed, gainGreen, gainBlue}});
+        convert_with(raw, *image, demosaic, {gainRed, gainGreen, gainBlue}, offset, hLut);
+    });
+}
+
+VL_STATUS VL_CALL vlFromRAWtoDIB(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE hDib, uint32_t gainRed, uint32_t gainGreen,
+                                 uint32_t gainBlue) {
+    return guarded(__func__, [&] {
+        const auto dib = dib_of(hDib);
+        convert_raw(RawView(readable(raw)), *dib, {VL_DEMOSAIC_BILINEAR, {{gainRed, gainGreen, gainBlue}}});
+    });
+}
+
+VL_STATUS VL_CALL vlFromRAWtoDIBEx(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE hDib, VL_DEMOSAIC demosaic, uint32_t gainRed,
+                                   uint32_t gainGreen, uint32_t gainBlue, int32_t offset, VL_LUT_HANDLE hLut) {
+    return guarded(__func__, [&] {
+        const auto dib = dib_of(hDib);
+        convert_with(raw, *dib, demosaic, {gainRed, gainGreen, gainBlue}, offset, hLut);
     });
 }
 

@@ -1,27 +1,20 @@
 /// From raw buffers to images, and between types of images.
 ///
-/// Buffers are worked through in strips of lines that stay in the processor's cache: unpack, demosaic, gains, grey, and on to the
-/// next strip. The result does not depend on where the strips are cut.
+/// Buffers are worked through in strips of lines that stay in the processor's cache: unpack, demosaic, adjust, grey, and on to
+/// the next strip. The result does not depend on where the strips are cut, nor on how many threads work on them.
 #pragma once
 
 #include <VL.h>
 
+#include "convert/adjust.h"
 #include "format/raw_view.h"
 #include "image/image.h"
 
 namespace kiv::vl {
 
-struct Gains {
-    std::uint32_t red = VL_GAIN_ONE;
-    std::uint32_t green = VL_GAIN_ONE;
-    std::uint32_t blue = VL_GAIN_ONE;
-
-    bool AreOne() const { return red == VL_GAIN_ONE && green == VL_GAIN_ONE && blue == VL_GAIN_ONE; }
-};
-
 struct ConvertOptions {
     VL_DEMOSAIC demosaic = VL_DEMOSAIC_BILINEAR;
-    Gains gains;
+    Adjustment adjustment;
     /// Lines of a strip; 0 takes what fits into the cache.
     std::uint32_t strip_lines = 0;
 };

@@ -20,6 +20,7 @@ enum class Packing : std::uint8_t {
     Rgb10p32,     ///< three times 10 bits in the low bits of 32
     Rgb10V1,      ///< four bytes: the low bits of all three, then the upper 8 of each
     P565,         ///< 5, 6 and 5 bits in 16; read as 8 bits each
+    SemiPlanar,   ///< bytes: all luma, then the pairs of colour differences; read as if they stood between the lumas
 };
 
 enum class Arrangement : std::uint8_t { Grey, Bayer, Interleaved, Planar, Chroma };
@@ -52,10 +53,13 @@ struct PixelFormat {
     constexpr std::size_t ComponentsPerGroup() const {
         return arrangement == Arrangement::Interleaved || arrangement == Arrangement::Chroma ? order.size() : 1;
     }
+    /// Lines that share their colour differences.
+    constexpr unsigned LinesPerGroup() const { return packing == Packing::SemiPlanar && BitsPerPixel() == 12 ? 2 : 1; }
     constexpr unsigned Planes() const { return arrangement == Arrangement::Planar ? 3 : 1; }
 };
 
-/// The row of a code, null for an unknown one.
+/// The row of a code, null for an unknown one. Bit 31, by which a format that was recognised by its name is told from one that is
+/// named exactly, does not count.
 const PixelFormat* find_pixel_format(std::uint64_t code) noexcept;
 /// The same; an unknown code is an Error that names it.
 const PixelFormat& pixel_format(std::uint64_t code);

@@ -31,19 +31,34 @@ RawView::RawView(const PixelFormat& format, std::uint32_t width, std::uint32_t h
                                                  std::to_string(format.PixelsPerGroup()) + ", which share their colours");
     components_per_line_ = width / format.PixelsPerGroup() * format.ComponentsPerGroup();
 
-    const std::uint64_t line_bits = std::uint64_t{width} * format.BitsPerPixel() / format.Planes();
+    const std::uint64_t line_bits = LineBits();
     const std::uint64_t line_bytes = (line_bits + 7) / 8;
     stride_ = static_cast<std::size_t>(line_bytes + padding);
+    if (format.packing == Packing::SemiPlanar) {
+        const std::uint64_t pair_lines = (std::uint64_t{height} + format.LinesPerGroup() - 1) / format.LinesPerGroup();
+        image_bytes_ = (height + pair_lines - 1) * stride_ + line_bytes;
+        if (size < image_bytes_) RefuseSize(size);
+        return;
+    }
     image_bytes_ = (std::uint64_t{height} * format.Planes() - 1) * stride_ + line_bytes;
     if (size >= image_bytes_) return;
 
     const std::uint64_t run_bytes = (line_bits * height + 7) / 8;
-    if (padding != 0 || line_bits % 8 == 0 || size < run_bytes)
-        throw Error(VL_ST_INVALID_BUFFER_SIZE, describe(format, width, height) + " with " + std::to_string(padding) +
-                                                   " bytes between lines needs " + std::to_string(image_bytes_) +
-                                                   " bytes, the buffer has " + std::to_string(size));
+    if (padding != 0 || line_bits % 8 == 0 || size < run_bytes) RefuseSize(size);
     line_aligned_ = false;
     image_bytes_ = run_bytes;
+}
+
+void RawView::RefuseSize(std::uint64_t size) const {
+    const std::uint64_t padding = stride_ - (LineBits() + 7) / 8;
+    throw Error(VL_ST_INVALID_BUFFER_SIZE, describe(*format_, width_, height_) + " with " + std::to_string(padding) +
+                                               " bytes between lines needs " + std::to_string(image_bytes_) +
+                                               " bytes, the buffer has " + std::to_string(size));
+}
+
+std::uint64_t RawView::LineBits() const {
+    if (format_->packing == Packing::SemiPlanar) return std::uint64_t{width_} * 8;
+    return std::uint64_t{width_} * format_->BitsPerPixel() / format_->Planes();
 }
 
 const std::uint8_t* RawView::Line(std::uint32_t line, unsigned plane) const {
@@ -55,12 +70,24 @@ RawView::Place RawView::PlaceOf(std::uint32_t line, unsigned plane) const {
     return {data_, components_per_line_ * line};
 }
 
+template <class Component>
+void RawView::ReadSemiPlanar(std::uint32_t line, Component* out) const {
+    const std::uint8_t* lumas = Line(line);
+    const std::uint8_t* pairs = Line(height_ + line / format_->LinesPerGroup());
+    for (std::uint32_t x = 0; x < width_; ++x, out += 2) {
+        out[0] = lumas[x];
+        out[1] = pairs[x];
+    }
+}
+
 void RawView::ReadLine(std::uint32_t line, unsigned plane, std::uint16_t* out) const {
+    if (format_->packing == Packing::SemiPlanar) return ReadSemiPlanar(line, out);
     const Place place = PlaceOf(line, plane);
     unpack(*format_, place.data, place.component, components_per_line_, out);
 }
 
 void RawView::ReadLine(std::uint32_t line, unsigned plane, std::uint8_t* out) const {
+    if (format_->packing == Packing::SemiPlanar) return ReadSemiPlanar(line, out);
     const Place place = PlaceOf(line, plane);
     unpack_to_8(*format_, place.data, place.component, components_per_line_, out);
 }

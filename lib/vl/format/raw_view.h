@@ -41,6 +41,10 @@ private:
         const std::uint8_t* data;
         std::size_t component;
     };
+    [[noreturn]] void RefuseSize(std::uint64_t size) const;
+    std::uint64_t LineBits() const;
+    template <class Component>
+    void ReadSemiPlanar(std::uint32_t line, Component* out) const;
     Place PlaceOf(std::uint32_t line, unsigned plane) const;
 
     const PixelFormat* format_;

@@ -75,6 +75,12 @@ void Image::SetSignificantBits(unsigned bits) { significant_bits_ = std::min(bit
 
 VL_IMAGE Image::Record() const { return {type_, width_, height_, top_, stride_, memory_, memory_size_, is_dib_ ? 1u : 0u, 0}; }
 
+void require_same_size(std::uint32_t width, std::uint32_t height, const Image& target) {
+    if (target.Width() != width || target.Height() != height)
+        throw Error(VL_ST_INVALID_PARAMETER, "the source has " + size_text(width, height) + " pixels, the target image " +
+                                                 size_text(target.Width(), target.Height()));
+}
+
 void copy_pixels(const Image& source, Image& target) {
     for (std::uint32_t y = 0; y < source.Height(); ++y) std::memcpy(target.Line(y), source.Line(y), source.LineBytes());
 }

@@ -69,6 +69,9 @@ private:
     std::unique_ptr<std::uint8_t[], Release> owned_;
 };
 
+/// Throws an Error that names both sizes when they differ.
+void require_same_size(std::uint32_t width, std::uint32_t height, const Image& target);
+
 /// Pixels of an image of the same size and type.
 void copy_pixels(const Image& source, Image& target);
 

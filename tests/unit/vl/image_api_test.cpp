@@ -82,9 +82,9 @@ TEST(Images, HostileSizesAreRefused) {
     auto raw = record(mono12p, 10, 7, data);
     EXPECT_EQ(vlImageFromRaw(&raw, &out), VL_ST_INVALID_BUFFER_SIZE);
     EXPECT_THAT(vlGetLastErrorText(), HasSubstr("10 x 7 Mono12p with 0 bytes between lines needs 105 bytes, the buffer has 100"));
-    raw.pixel_type = 0x81080001;
+    raw.pixel_type = 0x81080F01;
     EXPECT_EQ(vlImageFromRaw(&raw, &out), VL_ST_NOT_IMPLEMENTED);
-    EXPECT_THAT(vlGetLastErrorText(), HasSubstr("0x81080001"));
+    EXPECT_THAT(vlGetLastErrorText(), HasSubstr("0x81080F01"));
     EXPECT_EQ(out, nullptr);
 }
 
