@@ -1,0 +1,205 @@
+#include "support/serial_camera.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <stdexcept>
+#include <utility>
+
+namespace kiv_test {
+namespace {
+
+constexpr std::uint64_t kOwnRegisters = 0x10000;
+
+std::uint64_t number_in(const SerialBytes& bytes, std::size_t at, std::size_t size) {
+    std::uint64_t number = 0;
+    for (std::size_t i = 0; i < size; ++i) number = number * 256 + bytes.at(at + i);
+    return number;
+}
+
+/// The checksum of the Internet protocols.
+std::uint16_t sum_of(const SerialBytes& bytes, std::size_t from, std::size_t to) {
+    std::uint64_t sum = 0;
+    for (std::size_t i = from; i < to; i += 2) sum += bytes[i] * 256u + (i + 1 < to ? bytes[i + 1] : 0u);
+    while (sum >> 16 != 0) sum = (sum & 0xFFFF) + (sum >> 16);
+    return static_cast<std::uint16_t>(0xFFFF - sum);
+}
+
+speed_t speed_of(unsigned rate) {
+    static const std::map<unsigned, speed_t> speeds{{9600, B9600},     {19200, B19200},   {38400, B38400},   {57600, B57600},
+                                                    {115200, B115200}, {230400, B230400}, {460800, B460800}, {921600, B921600}};
+    return speeds.at(rate);
+}
+
+}  // namespace
+
+void put_number(SerialBytes& bytes, std::uint64_t number, std::size_t size) {
+    while (size-- > 0) bytes.push_back(static_cast<std::uint8_t>(number >> (8 * size)));
+}
+
+SerialBytes serial_ack(std::uint16_t status, std::uint16_t id, std::uint16_t request, const SerialBytes& payload) {
+    SerialBytes bytes{1, 0, 0, 0, 0, 0, 0, 0};
+    put_number(bytes, status, 2);
+    put_number(bytes, id, 2);
+    put_number(bytes, payload.size(), 2);
+    put_number(bytes, request, 2);
+    bytes.insert(bytes.end(), payload.begin(), payload.end());
+    SerialBytes sums;
+    put_number(sums, sum_of(bytes, 6, 16), 2);
+    put_number(sums, sum_of(bytes, 6, bytes.size()), 2);
+    std::copy(sums.begin(), sums.end(), bytes.begin() + 2);
+    return bytes;
+}
+
+SerialCamera::SerialCamera() {
+    SetText(0x04, "Kiv Ltd");
+    SetText(0x44, "KIV-SIM-1");
+    SetText(0x84, "Line");
+    SetText(0xC4, "1.0");
+    SetText(0x144, "4F01");
+    SetNumber(0x1C4, 0x302, 8);
+    SetNumber(0x1CC, 50, 4);
+    SetNumber(0x1D8, kOwnRegisters, 8);
+    SetNumber(kOwnRegisters, 0x11, 4);
+    SetRate(9600, 0x01);
+    master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) throw std::runtime_error("no pseudo-terminal");
+    path_ = ptsname(master_);
+    // While one near end is open the far end lives, whatever the others do.
+    keeper_ = open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios settings{};
+    tcgetattr(keeper_, &settings);
+    cfmakeraw(&settings);
+    tcsetattr(keeper_, TCSANOW, &settings);
+    stop_ = eventfd(0, EFD_CLOEXEC);
+    thread_ = std::thread([this] { Run(); });
+}
+
+SerialCamera::~SerialCamera() {
+    const std::uint64_t one = 1;
+    if (write(stop_, &one, sizeof one) != sizeof one) std::abort();
+    thread_.join();
+    for (const int number : {master_, keeper_, stop_})
+        if (number >= 0) close(number);
+}
+
+void SerialCamera::SetText(std::uint64_t address, const std::string& text) {
+    SerialBytes& room = memory_[address];
+    room.assign(64, 0);
+    std::copy_n(text.begin(), std::min<std::size_t>(text.size(), 64), room.begin());
+}
+
+void SerialCamera::SetNumber(std::uint64_t address, std::uint64_t number, std::size_t size) {
+    memory_[address].clear();
+    put_number(memory_[address], number, size);
+}
+
+void SerialCamera::SetRate(unsigned rate, std::uint32_t bit) {
+    speed_code_ = speed_of(rate);
+    SetNumber(kOwnRegisters + 4, bit, 4);
+}
+
+std::vector<SerialCommand> SerialCamera::Commands() const {
+    std::lock_guard guard(lock_);
+    return commands_;
+}
+
+std::size_t SerialCamera::BytesHeard() const {
+    std::lock_guard guard(lock_);
+    return bytes_heard_;
+}
+
+bool SerialCamera::Tuned() const {
+    termios settings{};
+    return tcgetattr(master_, &settings) == 0 && cfgetospeed(&settings) == speed_code_;
+}
+
+void SerialCamera::Run() {
+    for (;;) {
+        std::array<pollfd, 2> watched{{{stop_, POLLIN, 0}, {master_, POLLIN, 0}}};
+        if (poll(watched.data(), watched.size(), -1) < 0) continue;
+        if (watched[0].revents != 0) return;
+        SerialBytes bytes(256);
+        const ssize_t count = read(master_, bytes.data(), bytes.size());
+        if (count <= 0) return;
+        bytes.resize(static_cast<std::size_t>(count));
+        {
+            std::lock_guard guard(lock_);
+            bytes_heard_ += bytes.size();
+        }
+        if (Tuned()) Hear(bytes);
+        if (master_ < 0) return;
+    }
+}
+
+void SerialCamera::Hear(const SerialBytes& bytes) {
+    heard_.insert(heard_.end(), bytes.begin(), bytes.end());
+    for (SerialCommand command; TakeCommand(command);) {
+        {
+            std::lock_guard guard(lock_);
+            command.number = commands_.size();
+            commands_.push_back(command);
+        }
+        const SerialBytes proper = ProperAnswer(command);
+        const SerialReply reply = manners_ ? manners_(command, proper) : SerialReply{proper};
+        for (std::size_t sent = 0; sent < reply.bytes.size();) {
+            const ssize_t count = write(master_, reply.bytes.data() + sent, reply.bytes.size() - sent);
+            if (count <= 0) return;
+            sent += static_cast<std::size_t>(count);
+        }
+        if (!reply.hang_up) continue;
+        close(std::exchange(keeper_, -1));
+        close(std::exchange(master_, -1));
+        return;
+    }
+}
+
+bool SerialCamera::TakeCommand(SerialCommand& command) {
+    for (;;) {
+        constexpr std::array<std::uint8_t, 2> preamble{1, 0};
+        heard_.erase(heard_.begin(), std::search(heard_.begin(), heard_.end(), preamble.begin(), preamble.end()));
+        if (heard_.size() < 16) return false;
+        const std::size_t size = 16 + number_in(heard_, 12, 2);
+        const bool header_is_right = sum_of(heard_, 6, 16) == number_in(heard_, 2, 2);
+        if (header_is_right && heard_.size() < size) return false;
+        if (header_is_right && sum_of(heard_, 6, size) == number_in(heard_, 4, 2) && size >= 24) break;
+        heard_.erase(heard_.begin());
+    }
+    const std::size_t size = 16 + number_in(heard_, 12, 2);
+    command.flags = static_cast<std::uint16_t>(number_in(heard_, 8, 2));
+    command.id = static_cast<std::uint16_t>(number_in(heard_, 10, 2));
+    command.request = static_cast<std::uint16_t>(number_in(heard_, 14, 2));
+    command.address = number_in(heard_, 16, 8);
+    command.length = command.id == 0x0800 && size == 28 ? number_in(heard_, 26, 2) : 0;
+    command.data = {heard_.begin() + 24, heard_.begin() + static_cast<std::ptrdiff_t>(size)};
+    heard_.erase(heard_.begin(), heard_.begin() + static_cast<std::ptrdiff_t>(size));
+    return true;
+}
+
+SerialBytes SerialCamera::ProperAnswer(const SerialCommand& command) {
+    if (command.request != 0 && command.request == last_request_) return last_answer_;
+    const auto block = memory_.find(command.address);
+    const auto answer = static_cast<std::uint16_t>(command.id | 1);
+    last_request_ = command.request;
+    if (command.id != 0x0800 && command.id != 0x0802)
+        last_answer_ = serial_ack(0x8001, answer, command.request, {});
+    else if (block == memory_.end() ||
+             std::max(command.length, command.id == 0x0802 ? command.data.size() : 0) > block->second.size())
+        last_answer_ = serial_ack(0x8003, answer, command.request, {});
+    else if (command.id == 0x0800)
+        last_answer_ = serial_ack(0, answer, command.request,
+                                  {block->second.begin(), block->second.begin() + static_cast<std::ptrdiff_t>(command.length)});
+    else {
+        std::copy(command.data.begin(), command.data.end(), block->second.begin());
+        last_answer_ = serial_ack(0, answer, command.request, {});
+    }
+    return last_answer_;
+}
+
+}  // namespace kiv_test
