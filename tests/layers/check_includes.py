@@ -34,7 +34,7 @@ ROOMS = {
     "lib/vl": [IMAGING_INTERFACE, C_INTERFACE, "lib/platform"],
     "src/imaging": [C_INTERFACE, IMAGING_INTERFACE],
     "src/diagnostics": [*BASE, "lib/log"],
-    "src/transport": [*BASE, GENTL_INTERFACE, REGISTRY_INTERFACE, "lib/genapi"],
+    "src/transport": [*BASE, GENTL_INTERFACE, REGISTRY_INTERFACE, "lib/genapi", "lib/clprotocol"],
     "src/camera": [*BASE, "src/transport", "src/imaging", "lib/genapi", "lib/archive", GENTL_INTERFACE],
     "src/features": [*BASE, "src/camera", "src/transport", "src/imaging", "lib/genapi"],
     "src/acquisition": [*BASE, "src/camera", "src/features", "src/transport", "src/imaging", IMAGING_INTERFACE, GENTL_INTERFACE],
@@ -58,7 +58,7 @@ FOREIGN = {
     r"opencv2?/.*": ["lib/vl"],
     r"(png|tiff|tiffio|jpeglib)\.h": ["lib/vl", "producer/sim/camera"],
     r"SDL2?/.*": ["lib/vl"],
-    r"(dlfcn|poll|pthread|fcntl|iconv|langinfo|link|sys/[a-z]+)\.h": ["lib/platform/posix"],
+    r"(dlfcn|poll|pthread|fcntl|iconv|langinfo|link|termios|sys/[a-z]+)\.h": ["lib/platform/posix"],
     r"(windows|winsock2|dbghelp)\.h": ["lib/platform/win32"],
 }
 # The public headers say how functions are exported, which no other header can do for them.
