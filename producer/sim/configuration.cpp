@@ -87,6 +87,7 @@ CameraEntry read_camera(const json& object, const std::string& place, const Inte
                            "unplug_file", "link_megabytes_per_second", "ip", "mac"});
     CameraEntry entry;
     CameraConfig& camera = entry.camera;
+    camera.gige = flavour.gige;
     std::string url = "zip";
     section.Get("serial", camera.serial);
     if (flavour.gige) {
@@ -164,6 +165,7 @@ Configuration read_configuration(const json& root, const std::string& file) {
 
 CameraEntry built_in_camera(bool color, const char* serial) {
     CameraEntry entry;
+    entry.camera.gige = flavour.gige;
     entry.camera.serial = serial;
     entry.camera.color = color;
     entry.camera.model = std::string(flavour.model) + (color ? "-5MC" : "-2MM");

@@ -3,8 +3,10 @@
 #include <cstring>
 
 #include "camera/register_file.h"
+#include "device_events.h"
 #include "flavour.h"
 #include "interface.h"
+#include "kiv/platform/thread.h"
 #include "session.h"
 #include "stream.h"
 
@@ -71,7 +73,7 @@ Info device_info(const Session& session, const CameraEntry& entry, const CameraI
 
 Device::Device(Session& session, Interface& parent, const CameraEntry& entry, GenTL::DEVICE_ACCESS_FLAGS access,
                uint32_t multicast)
-    : Module(session, "DevicePort", "Device", {GenTL::EVENT_ERROR}),
+    : Module(session, "DevicePort", "Device", device_event_kinds()),
       parent_(parent),
       entry_(entry),
       access_(access),
@@ -82,9 +84,11 @@ Device::Device(Session& session, Interface& parent, const CameraEntry& entry, Ge
     if (flavour.gige) ListNetworkFeatures();
     ListStreamFeatures();
     FinishFeatures();
+    camera_.SetEventSink([this](const CameraEvent& event) { Tell(event); });
+    Events().OnRegister([this] { StartEvents(); });
 }
 
-Device::~Device() = default;
+Device::~Device() { StopEvents(); }
 
 std::shared_ptr<RemotePort> Device::Remote() {
     if (!remote_) {
@@ -120,7 +124,8 @@ void Device::ListFeatures() {
     });
     features_.Integer("DeviceTimestampFrequency", "Ticks per second of the device's clock", [] { return 1'000'000'000; });
     features_.Enumeration("DeviceChunkDataFormat", "Layout of chunk data", {"None"}, [] { return 0; });
-    features_.Enumeration("DeviceEventDataFormat", "Layout of the device's events", {"None"}, [] { return 0; });
+    features_.Enumeration("DeviceEventDataFormat", "Layout of the device's events", {"GigEVision", "GigEVisionExtendedId"},
+                          [this] { return ExtendedIds() ? 1 : 0; });
 }
 
 void Device::ListNetworkFeatures() {
@@ -181,8 +186,44 @@ void Device::Close() {
     if (remote_) session_.handles.Remove(*remote_);
     remote_.reset();
     Retire();
+    StopEvents();
     locks_.reset();
     parent_.DeviceClosed(entry_.id);
+}
+
+bool Device::ExtendedIds() {
+    uint32_t extended = 0;
+    camera_.Read(row_of(Reg::ExtendedIds).address, &extended, sizeof extended);
+    return extended != 0;
+}
+
+void Device::StartEvents() {
+    // With the lock of the tree, as Close: never two at once.
+    if (!events_.joinable() && !closing_) events_ = std::thread([this] { RunEvents(); });
+}
+
+void Device::RunEvents() {
+    kiv::platform::set_thread_name("KivSim events");
+    // The limit is how long it may take until an unplugged camera is noticed.
+    while (!closing_ && !Vanished()) camera_.RunEvents(std::chrono::milliseconds(100));
+}
+
+void Device::StopEvents() {
+    closing_ = true;
+    camera_.Wake();
+    if (events_.joinable()) events_.join();
+}
+
+void Device::Tell(const CameraEvent& event) {
+    ++events_told_;
+    const auto request_id = static_cast<uint16_t>((events_told_ - 1) % 0xFFFF + 1);  // never 0
+    const std::string message = event_message(event, request_id);
+    Events().Fire(GenTL::EVENT_REMOTE_DEVICE, message);
+    if (!flavour.gige) return;
+    const uint32_t number = event.id;
+    Events().Fire(event_kind::message, message);
+    Events().Fire(event_kind::record, event_record(event, message, events_told_));
+    Events().Fire(event_kind::number, {reinterpret_cast<const char*>(&number), sizeof number});
 }
 
 bool Device::Vanished() {

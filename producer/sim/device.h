@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "configuration.h"
 #include "device_access.h"
@@ -49,6 +50,12 @@ public:
 private:
     void ListFeatures();
     void ListNetworkFeatures();
+    /// A thread that lets the camera's events happen and looks whether the camera is there, as soon as somebody waits for either.
+    void StartEvents();
+    void RunEvents();
+    void StopEvents();
+    void Tell(const CameraEvent& event);
+    bool ExtendedIds();
     void ListStreamFeatures();
 
     Interface& parent_;  // closes its children before it goes
@@ -61,6 +68,9 @@ private:
     std::shared_ptr<RemotePort> remote_;
     std::shared_ptr<Stream> stream_;
     int64_t selected_ = 0;
+    std::atomic<bool> closing_{false};
+    uint32_t events_told_ = 0;  ///< under the lock of the camera
+    std::thread events_;
 };
 
 /// The registers of the camera. Its calls need no lock: the camera has its own, and a slow one delays nobody else.

@@ -1,7 +1,10 @@
 #include "event_queue.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
+
+#include "device_events.h"
 
 namespace kivsim {
 namespace {
@@ -25,11 +28,16 @@ T value_of(const void* data, size_t size) {
     return value;
 }
 
+/// A consumer that does not fetch its events loses the newest ones. Buffers are not counted: there are only so many.
+constexpr size_t longest_queue = 4096;
+
 size_t data_size(GenTL::EVENT_TYPE type) {
+    if (const size_t size = device_event_size(type)) return size;
     return type == GenTL::EVENT_NEW_BUFFER ? sizeof(GenTL::EVENT_NEW_BUFFER_DATA) : sizeof(ErrorData);
 }
 
 size_t largest_data_info(GenTL::EVENT_TYPE type) {
+    if (const size_t size = device_event_size(type)) return std::max(size, sizeof "9001");
     return type == GenTL::EVENT_NEW_BUFFER ? sizeof(void*) : sizeof(ErrorData::text);
 }
 
@@ -73,7 +81,7 @@ EventEntry error_entry(GC_ERROR code, std::string_view text) {
 
 bool EventQueue::Push(EventEntry entry) {
     const std::scoped_lock guard(lock_);
-    if (closed_) return false;
+    if (closed_ || (!entry.buffer && entries_.size() >= longest_queue)) return false;
     if (entry.buffer) entry.buffer->SetPlace(Buffer::Place::Output);
     entries_.push_back(std::move(entry));
     ++fired_;
@@ -171,6 +179,7 @@ Info EventQueue::GetInfo(GenTL::EVENT_INFO_CMD command) const {
 
 Info EventQueue::GetDataInfo(const void* data, size_t size, GenTL::EVENT_DATA_INFO_CMD command) const {
     check_pointer(data, "pInBuffer", false);
+    if (device_event_size(type_) != 0) return device_event_info(type_, {static_cast<const char*>(data), size}, command);
     if (type_ == GenTL::EVENT_NEW_BUFFER) return new_buffer_info(value_of<GenTL::EVENT_NEW_BUFFER_DATA>(data, size), command);
     return error_info(value_of<ErrorData>(data, size), command);
 }

@@ -43,13 +43,17 @@ void EventSource::CheckOffered(GenTL::EVENT_TYPE type) const {
 
 std::shared_ptr<EventQueue> EventSource::Register(GenTL::EVENT_TYPE type) {
     CheckOffered(type);
-    const std::scoped_lock guard(lock_);
-    auto& slot = registered_[type];
-    if (slot) fail(GenTL::GC_ERR_RESOURCE_IN_USE, "Event type " + std::to_string(type) + " is registered already");
-    slot = std::make_shared<EventQueue>(type);
-    if (disconnected_) slot->Disconnect();
-    session_.handles.Add(slot);
-    return slot;
+    std::shared_ptr<EventQueue> queue;
+    {
+        const std::scoped_lock guard(lock_);
+        auto& slot = registered_[type];
+        if (slot) fail(GenTL::GC_ERR_RESOURCE_IN_USE, "Event type " + std::to_string(type) + " is registered already");
+        queue = slot = std::make_shared<EventQueue>(type);
+        if (disconnected_) slot->Disconnect();
+        session_.handles.Add(slot);
+    }
+    if (on_register_) on_register_();
+    return queue;
 }
 
 void EventSource::Unregister(GenTL::EVENT_TYPE type) {
@@ -71,6 +75,10 @@ std::shared_ptr<EventQueue> EventSource::Registered(GenTL::EVENT_TYPE type) cons
     const std::scoped_lock guard(lock_);
     const auto found = registered_.find(type);
     return found == registered_.end() ? nullptr : found->second;
+}
+
+void EventSource::Fire(GenTL::EVENT_TYPE type, std::string data) {
+    if (const auto queue = Registered(type)) queue->Push({std::move(data), nullptr});
 }
 
 void EventSource::FireError(GC_ERROR code, std::string_view text) {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -29,10 +30,15 @@ public:
     void Unregister(GenTL::EVENT_TYPE type);
     /// Null when nobody registered it.
     std::shared_ptr<EventQueue> Registered(GenTL::EVENT_TYPE type) const;
+    /// To those who registered it; entries that nobody wants are dropped.
+    void Fire(GenTL::EVENT_TYPE type, std::string data);
     void FireError(GC_ERROR code, std::string_view text);
     /// The camera is gone: waits end with IO, now and for events that are registered later.
     void Disconnect();
     void Close();
+
+    /// Called after each Register. To be set before the first one.
+    void OnRegister(std::function<void()> call) { on_register_ = std::move(call); }
 
     std::atomic<bool> notify_errors{true};  ///< EventNotification of the node map
 
@@ -41,6 +47,7 @@ private:
 
     Session& session_;
     const std::vector<GenTL::EVENT_TYPE> offered_;
+    std::function<void()> on_register_;
     mutable std::mutex lock_;
     std::map<GenTL::EVENT_TYPE, std::shared_ptr<EventQueue>> registered_;
     bool disconnected_ = false;

@@ -26,6 +26,7 @@ Stream::Stream(Session& session, std::shared_ptr<Device> device, uint32_t multic
       parameters_(multicast) {
     ListFeatures();
     FinishFeatures();
+    device_->Hardware().SetFramesFetched(true);
     engine_ = std::thread([this] { RunEngine(); });
 }
 
@@ -252,6 +253,7 @@ void Stream::Close() {
     changed_.notify_all();
     device_->Hardware().Wake();
     engine_.join();
+    device_->Hardware().SetFramesFetched(false);
     Retire();
     for (const auto& buffer : announced_) session_.handles.Remove(*buffer);
     device_->StreamClosed();

@@ -39,6 +39,8 @@ struct Camera::Impl {
         OfferDescription();
     }
     void OfferDescription();
+    /// With the lock: how long nothing will happen; `due`: when the next frame is.
+    std::chrono::nanoseconds UntilNextMoment(uint64_t now, std::optional<uint64_t> due);
     /// Whether all of the range is in the text of the description.
     bool InDescription(uint64_t address, size_t size) const {
         return address >= kDescriptionAddress && address + size <= kDescriptionAddress + description.size();
@@ -50,8 +52,10 @@ struct Camera::Impl {
 
     mutable std::mutex lock;
     std::condition_variable changed;
-    CameraCore core;     ///< under the lock
-    bool woken = false;  ///< under the lock
+    CameraCore core;              ///< under the lock
+    bool woken = false;           ///< under the lock, as the next ones
+    bool events_woken = false;    ///< the same for RunEvents
+    bool frames_fetched = false;  ///< by a stream
 
     std::mutex rendering;  ///< of the renderer: a frame takes long, and registers must not wait for it
     Renderer renderer;
@@ -124,20 +128,55 @@ Camera::Wait Camera::WaitForFrame(std::chrono::milliseconds timeout) {
     std::unique_lock guard(impl_->lock);
     for (;;) {
         if (std::exchange(impl_->woken, false)) return Wait::Woken;
-        const auto due = impl_->core.NextDue();
         const auto now = impl_->core.Registers().Now();
+        impl_->core.TellWhatHappened(now);
+        const auto due = impl_->core.NextDue();
         if (due && *due <= now) return Wait::Frame;
         const auto reached = Clock::now();
         if (reached >= deadline) return Wait::Timeout;
-        auto until = deadline;
-        if (due) until = std::min(until, reached + std::chrono::nanoseconds(*due - now));
-        impl_->changed.wait_until(guard, until);
+        impl_->changed.wait_until(guard, std::min(deadline, reached + impl_->UntilNextMoment(now, due)));
     }
+}
+
+std::chrono::nanoseconds Camera::Impl::UntilNextMoment(uint64_t now, std::optional<uint64_t> due) {
+    constexpr uint64_t longest = 3'600'000'000'000;
+    const uint64_t next = std::min({due.value_or(now + longest), core.NextEvent(now).value_or(now + longest), now + longest});
+    return std::chrono::nanoseconds(next - std::min(next, now));
+}
+
+void Camera::RunEvents(std::chrono::milliseconds time) {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + time;
+    std::unique_lock guard(impl_->lock);
+    while (!std::exchange(impl_->events_woken, false)) {
+        const auto now = impl_->core.Registers().Now();
+        impl_->core.TellWhatHappened(now);
+        std::optional<uint64_t> due;
+        if (!impl_->frames_fetched && impl_->core.TellsOfFrames()) due = impl_->core.NextDue();
+        if (due && *due <= now) {
+            impl_->core.TakeFrame(true);
+            continue;
+        }
+        const auto reached = Clock::now();
+        if (reached >= deadline) return;
+        impl_->changed.wait_until(guard, std::min(deadline, reached + impl_->UntilNextMoment(now, due)));
+    }
+}
+
+void Camera::SetEventSink(EventSink sink) {
+    const std::lock_guard guard(impl_->lock);
+    impl_->core.SetEventSink(std::move(sink));
+}
+
+void Camera::SetFramesFetched(bool fetched) {
+    const std::lock_guard guard(impl_->lock);
+    impl_->frames_fetched = fetched;
+    impl_->changed.notify_all();
 }
 
 void Camera::Wake() {
     const std::lock_guard guard(impl_->lock);
-    impl_->woken = true;
+    impl_->woken = impl_->events_woken = true;
     impl_->changed.notify_all();
 }
 

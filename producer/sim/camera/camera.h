@@ -17,6 +17,8 @@
 #include <span>
 #include <string>
 
+#include "camera_events.h"
+
 namespace kivsim {
 
 struct CameraConfig {
@@ -30,6 +32,7 @@ struct CameraConfig {
     uint32_t sensor_width = 2448;   ///< multiple of 8, 64 to 8192
     uint32_t sensor_height = 2048;  ///< multiple of 8, 64 to 8192
     bool color = false;
+    bool gige = false;                 ///< has the features of a GigE Vision device
     double max_frame_rate = 35.0;      ///< Hz at full size; fewer lines are read faster
     std::string image_folder;          ///< PNG, TIFF, PGM and PPM files to play instead of the belt; empty: the belt
     std::filesystem::path state_file;  ///< made when it is missing
@@ -72,6 +75,14 @@ public:
     void Wake();
     /// Renders the frame that WaitForFrame announced, as much of it as fits. An empty span: the frame is lost, but counted.
     FrameInfo NextFrame(std::span<std::byte> buffer);
+
+    /// Who hears of events that EventNotification has switched on.
+    void SetEventSink(EventSink sink);
+    /// Waits for moments at which something is to be told, and tells it; returns after that time or a Wake. Events need it when
+    /// no stream waits for frames: frames that nobody would fetch are then skipped here.
+    void RunEvents(std::chrono::milliseconds time);
+    /// Somebody fetches the frames: RunEvents leaves them alone.
+    void SetFramesFetched(bool fetched);
 
     /// An action command on the wire: fires trigger source Action<n> when key and group match what the registers say.
     void Action(uint32_t device_key, uint32_t group_key, uint32_t group_mask);

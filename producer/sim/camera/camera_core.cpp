@@ -99,7 +99,13 @@ std::optional<uint64_t> CameraCore::NextDue() {
 FrameClock::Frame CameraCore::TakeFrame(bool lost) {
     const auto now = registers_.Now();
     const bool acquiring = clock_.Acquiring();
-    const auto frame = clock_.Take(now, read_timing(registers_));
+    const auto timing = read_timing(registers_);
+    const auto frame = clock_.Take(now, timing);
+    if (timing.frame.on && timing.frame.source == static_cast<uint32_t>(TriggerSource::Line0))
+        Tell(EventKind::FrameTrigger, frame.start_ns - std::min(frame.start_ns, timing.frame.delay_ns), frame.id);
+    if (exposure_told_ != frame.id) Tell(EventKind::ExposureStart, frame.start_ns, frame.id);
+    exposure_told_ = frame.id;
+    Tell(EventKind::ExposureEnd, frame.start_ns + timing.exposure_ns, frame.id);
     counters_.Happened(Event::FrameStart, registers_, frame.start_ns);
     if (acquiring && !clock_.Acquiring()) counters_.Happened(Event::AcquisitionEnd, registers_, now);
     ++(lost ? skipped_ : rendered_);
@@ -130,6 +136,9 @@ void CameraCore::Effect(Reg reg, uint32_t index, uint64_t value) {
         {Reg::TimerReset, [](CameraCore& camera, uint32_t i) { camera.counters_.StartTimer(i, camera.registers_.Now()); }},
         {Reg::UserSetLoad, [](CameraCore& camera, uint32_t) { camera.LoadUserSet(); }},
         {Reg::UserSetSave, [](CameraCore& camera, uint32_t) { camera.registers_.SaveUserSet(camera.SelectedUserSet()); }},
+        {Reg::EventNotification, [](CameraCore& camera, uint32_t) { camera.edges_told_ = camera.registers_.Now(); }},
+        {Reg::EventTestGenerate,
+         [](CameraCore& camera, uint32_t) { camera.Tell(EventKind::Test, camera.registers_.Now(), camera.clock_.LastId()); }},
         {Reg::BinningHorizontal, [](CameraCore& camera, uint32_t) { fit_region(camera.registers_); }},
         {Reg::BinningVertical, [](CameraCore& camera, uint32_t) { fit_region(camera.registers_); }},
     };
@@ -140,6 +149,7 @@ void CameraCore::Effect(Reg reg, uint32_t index, uint64_t value) {
 
 void CameraCore::StartAcquisition() {
     missed_ = 0;
+    exposure_told_ = 0;
     clock_.Start(registers_.Now(), read_timing(registers_));
     counters_.Happened(Event::AcquisitionStart, registers_, registers_.Now());
 }
@@ -155,6 +165,7 @@ void CameraCore::Fire(Trigger trigger, TriggerSource source, bool counts_as_miss
     if (!taken && !counts_as_missed) return;
     if (!taken) ++missed_;
     counters_.Happened(taken ? Event::FrameTrigger : Event::FrameTriggerMissed, registers_, now);
+    Tell(taken ? EventKind::FrameTrigger : EventKind::FrameTriggerMissed, now, clock_.LastId() + 1);
 }
 
 void CameraCore::Signal(TriggerSource source) {

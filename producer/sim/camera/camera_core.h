@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "camera_events.h"
 #include "counters.h"
 #include "frame_clock.h"
 #include "register_file.h"
@@ -27,12 +28,24 @@ public:
     /// The frame that is due, or one that begins now. `lost`: nobody has a buffer for it.
     FrameClock::Frame TakeFrame(bool lost);
 
+    void SetEventSink(EventSink sink) { sink_ = std::move(sink); }
+    /// Tells of what began or passed up to now without anybody's doing: exposures, edges of the light barrier.
+    void TellWhatHappened(uint64_t now);
+    /// When there will be something of that kind to tell; nothing when nobody wants to know.
+    std::optional<uint64_t> NextEvent(uint64_t now);
+    /// Whether any event is switched on that needs frames to happen.
+    bool TellsOfFrames() const;
+
     /// A pulse of a signal or an action: fires every trigger that listens to it.
     void Signal(TriggerSource source);
     void PowerCycle();
 
 private:
     struct Changed;
+    bool Tells(EventKind kind) const;
+    void Tell(EventKind kind, uint64_t when, uint64_t frame);
+    std::optional<uint64_t> NextExposure();
+    std::optional<uint64_t> NextEdge(uint64_t after) const;
     int32_t Put(uint64_t address, const std::byte* in, uint64_t end, std::vector<Changed>& changed);
     void Refresh(const RegisterRow& row);
     void RefreshStatus();
@@ -53,6 +66,9 @@ private:
     Counters counters_;
     uint64_t missed_ = 0, rendered_ = 0, skipped_ = 0;
     uint64_t power_cycles_;  ///< when this object looked last
+    EventSink sink_;
+    uint64_t exposure_told_ = 0;  ///< frame of the last EventKind::ExposureStart
+    uint64_t edges_told_ = 0;     ///< edges up to here are told, or were not wanted
 };
 
 }  // namespace kivsim

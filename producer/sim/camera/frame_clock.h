@@ -41,6 +41,9 @@ public:
     /// the next ones: the simulation would rather be slow than lose frames because the machine is.
     Frame Take(uint64_t now, const Timing& timing);
 
+    /// The number of the frame that was taken last.
+    uint64_t LastId() const { return id_; }
+
     bool WaitsForTrigger(const Timing& timing) { return acquiring_ && !NextDue(timing); }
 
 private:

@@ -62,7 +62,7 @@ void write_names(Block& block, const CameraConfig& config) {
 void write_sensor(Block& block, const CameraConfig& config) {
     block.Uint(Reg::SensorWidth, config.sensor_width);
     block.Uint(Reg::SensorHeight, config.sensor_height);
-    block.Uint(Reg::SensorFeatures, config.color ? 1 : 0);
+    block.Uint(Reg::SensorFeatures, (config.color ? 1U : 0U) | (config.gige ? 2U : 0U));
     block.Uint(Reg::SensorLineTime, static_cast<uint64_t>(std::llround(1e9 / (config.max_frame_rate * config.sensor_height))));
     block.Uint(Reg::ClockFrequency, 74'250'000, 0);
     block.Uint(Reg::ClockFrequency, 1'000'000'000, 1);

@@ -144,6 +144,10 @@
     X(SceneFlags,              0x20908, Uint,  4,  1, RW, kUserSet,             7, 0, 7) \
     X(FramesRendered,          0x20910, Uint,  8,  1, RO, kComputed,            0, 0, 0) \
     X(FramesSkipped,           0x20918, Uint,  8,  1, RO, kComputed,            0, 0, 0) \
+    /* events, by EventSelector: see camera_events.h */ \
+    X(EventNotification,       0x20A00, Uint,  4,  7, RW, kUserSet,             0, 0, 2) \
+    X(EventTestGenerate,       0x20A20, Uint,  4,  1, WO, kCommand,             0, 0, 1) \
+    X(ExtendedIds,             0x20A24, Uint,  4,  1, RW, kUserSet,             0, 0, 1) \
     /* memory chip of the sensor module, big endian */ \
     X(ModuleMagic,             0x30000, Bytes, 4,  1, RO, kIdentity,            0, 0, 0) \
     X(ModulePixelPitch,        0x30004, Bytes, 4,  1, RO, kIdentity,            0, 0, 0) \

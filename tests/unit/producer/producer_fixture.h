@@ -1,6 +1,7 @@
 /// The simulated producer with two small cameras, each test with a state folder of its own.
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>

@@ -138,7 +138,8 @@ TEST_F(Description, RegistersLieWhereTheCameraHasThem) {
     for (const auto& [name, node] : nodes) {
         const auto parent = std::string(node.name()) == "StructEntry" ? node.parent() : node;
         const auto address = parent.child("Address");
-        if (!address) continue;
+        const bool of_camera = std::string(parent.child_value("pPort")) == "Device";
+        if (!address || !of_camera) continue;  // registers of messages are in no register space
         uint64_t at = 0;
         for (const auto& term : parent.children("Address")) at += term.text().as_ullong();
         const auto length = parent.child("Length").text().as_ullong();
@@ -170,6 +171,7 @@ TEST_F(Description, EnumerationsListWhatTheCameraTakes) {
                                                           {"CounterEventSource", "CounterEventSource"},
                                                           {"ExposureAuto", "ExposureAuto"},
                                                           {"UserSetDefault", "UserSetDefault"},
+                                                          {"EventNotification", "EventNotification"},
                                                           {"BinningHorizontalMode", "BinningHorizontalMode"}};
     for (const auto& [feature, name] : registers) {
         const uint32_t element = feature == "LineSource" ? 2 : 0;
