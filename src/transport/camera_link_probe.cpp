@@ -17,7 +17,7 @@ using CLProtocol::CDeviceID;
 
 constexpr std::uint64_t model_name_register = 0x44, bootstrap_address_register = 0x1D8;
 
-static_assert(CLProtocol::PortDirectory::most_ports * longest_camera_link_line <= 262144, "K_CAMERA_LINK_TEXT_ROOM");
+static_assert(CLProtocol::PortDirectory::most_ports * longest_camera_link_line + 1 <= 262144, "K_CAMERA_LINK_TEXT_ROOM");
 
 void say(std::string_view text, std::string_view what = {}) {
     platform::debug_print(std::string("K_Factory_Camera_Link_Probe: ").append(text).append(what));
@@ -26,11 +26,14 @@ void say(std::string_view text, std::string_view what = {}) {
 /// Whether the caller has had enough; the answer is an exception that no port's failure handling takes for its own.
 class Cancellation {
 public:
-    explicit Cancellation(const char* name) try {
-        if (name) event_ = platform::Event::OpenNamed(name);
-        if (name && !event_) say("there is no event of the name ", std::string(name) + "\n");
-    } catch (const std::exception& error) {
-        say(error.what(), "\n");
+    explicit Cancellation(const char* name) {
+        if (!name) return;
+        try {
+            event_ = platform::Event::OpenNamed(name);
+            if (!event_) say("there is no event of the name ", std::string(name) + "\n");
+        } catch (const std::exception& error) {
+            say(error.what(), "\n");
+        }
     }
 
     void Poll() const {

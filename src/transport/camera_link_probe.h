@@ -16,7 +16,7 @@ struct CameraLinkFindings {
 };
 
 /// No line of a text is longer, its end included; a port that would need more is passed over.
-inline constexpr std::size_t longest_camera_link_line = 4096;
+inline constexpr std::size_t longest_camera_link_line = 4095;
 
 /// `cancel_event` names an event that somebody else holds; null or a name without an event: the probe runs to its end.
 /// K_ST_NO_DATA without ports or device templates, K_ST_ABORT when cancelled: the findings are as they were then.
