@@ -1,0 +1,87 @@
+#include "check/model.h"
+
+#include <algorithm>
+
+namespace kiv::genapi {
+
+Model::Model(const SourceTree& source) : tree(source), nodeOf_(source.elements.size(), none) {
+    const auto& elements = tree.elements;
+    for (uint32_t i = 1; i < elements.size(); ++i) {
+        const auto kind = find_element(elements[i].name);
+        const auto parent = elements[i].parent;
+        const auto owner = nodeOf_[parent];
+        const bool isTop = owner == none && (parent == 0 || elements[parent].name == "Group");
+        if (isTop && !kind) strangers.push_back(i);
+        if (isTop && kind && kind != Element::Group) AddNode(i, *kind, none);
+        if (owner == none) continue;
+        nodes[owner].children.push_back(i);
+        const bool isInner = kind == Element::EnumEntry || kind == Element::StructEntry || kind == Element::IntSwissKnife ||
+                             kind == Element::TextDesc || kind == Element::IntKey;
+        if (isInner && nodes[owner].element == parent) AddNode(i, *kind, owner);
+    }
+    // What an entry of a structured register does not say itself is what the register says.
+    for (auto& node : nodes) {
+        if (node.kind != Element::StructEntry || node.owner == none) continue;
+        const auto own = node.children.size();
+        for (const auto child : nodes[node.owner].children) {
+            const auto name = At(child).name;
+            const bool isSaid = std::any_of(node.children.begin(), node.children.begin() + static_cast<ptrdiff_t>(own),
+                                            [&](uint32_t i) { return At(i).name == name; });
+            if (!isSaid && name != "StructEntry") node.children.push_back(child);
+        }
+    }
+}
+
+void Model::AddNode(uint32_t element, Element kind, uint32_t owner) {
+    const auto index = static_cast<uint32_t>(nodes.size());
+    nodeOf_[element] = index;
+    nodes.push_back({tree.Attribute(At(element), "Name"), kind, element, owner, {}});
+    // Entries are known by their enumeration, a structured register by its entries.
+    const bool isNamed = kind != Element::StructReg && !(kind == Element::EnumEntry && owner != none);
+    if (isNamed && !nodes[index].name.empty() && !byName_.emplace(nodes[index].name, index).second) duplicates.push_back(index);
+}
+
+uint32_t Model::Find(std::string_view name) const {
+    if (name.starts_with("Std::") || name.starts_with("Cust::")) name.remove_prefix(name.find("::") + 2);
+    const auto found = byName_.find(name);
+    return found == byName_.end() ? none : found->second;
+}
+
+const SourceElement* Model::Child(const NodeModel& node, std::string_view name) const {
+    for (const auto child : node.children)
+        if (At(child).name == name) return &At(child);
+    return nullptr;
+}
+
+std::string_view Model::TextOf(const NodeModel& node, std::string_view child) const {
+    const auto* found = Child(node, child);
+    return found ? std::string_view(found->text) : std::string_view();
+}
+
+void Findings::Add(GenApi::EFindingSeverity severity, uint32_t line, std::string_view node, std::string text, std::string key) {
+    if (!key.empty()) {
+        auto& [index, count] = repeated_.try_emplace(std::move(key), findings_.size(), 0).first->second;
+        if (++count > 1) return;
+    }
+    findings_.push_back({severity, line, node, text});
+}
+
+bool Findings::HasAt(uint32_t line) const {
+    return std::any_of(findings_.begin(), findings_.end(),
+                       [&](const auto& finding) { return finding.line == line && finding.severity != GenApi::fsNote; });
+}
+
+std::vector<GenApi::DescriptionFinding> Findings::Sorted() {
+    for (const auto& [key, place] : repeated_)
+        if (place.second > 1)
+            findings_[place.first].text += " So " + std::to_string(place.second - 1) + " more in the description.";
+    std::stable_sort(findings_.begin(), findings_.end(), [](const auto& a, const auto& b) { return a.line < b.line; });
+    return std::move(findings_);
+}
+
+std::string quoted(std::string_view text) {
+    constexpr size_t longest = 80;
+    return "'" + std::string(text.substr(0, longest)) + (text.size() > longest ? "...'" : "'");
+}
+
+}  // namespace kiv::genapi
