@@ -57,7 +57,7 @@ CallbackHandleType Register(INode* node, Client& client, Member member, ECallbac
         node, [&client, member](INode* changed) { (client.*member)(changed); }, type);
 }
 
-/// Takes the callback from its node and destroys it. A null handle is let pass.
+/// Takes the callback from its node and destroys it. A handle that is null, or no longer good, is let pass.
 KIV_GENICAM_API void Deregister(CallbackHandleType handle);
 
 }  // namespace GenApi

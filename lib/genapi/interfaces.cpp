@@ -10,8 +10,4 @@ INodeMap::~INodeMap() = default;
 IDeviceInfo::~IDeviceInfo() = default;
 CNodeCallback::~CNodeCallback() = default;
 
-void Deregister(CallbackHandleType handle) {
-    if (const auto* callback = reinterpret_cast<const CNodeCallback*>(handle)) callback->GetNode()->DeregisterCallback(handle);
-}
-
 }  // namespace GenApi

@@ -1,7 +1,10 @@
 #include "GenApi/chunk_adapter.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <limits>
+#include <memory_resource>
 #include <span>
 #include <string>
 #include <vector>
@@ -14,9 +17,20 @@ namespace GenApi {
 
 namespace {
 
-void invalidate(std::span<CChunkPort* const> ports) {
-    for (CChunkPort* port : ports) port->InvalidateNode();
-}
+/// The ports whose nodes have to hear of a change. Buffers change with each image: for up to 64 of them, no memory is asked for.
+class Changed {
+public:
+    explicit Changed(size_t most) { ports_.reserve(most); }
+    void Add(CChunkPort& port) { ports_.push_back(&port); }
+    void Invalidate() const {
+        for (CChunkPort* port : ports_) port->InvalidateNode();
+    }
+
+private:
+    alignas(CChunkPort*) std::array<std::byte, 64 * sizeof(CChunkPort*)> room_;
+    std::pmr::monotonic_buffer_resource memory_{room_.data(), room_.size()};
+    std::pmr::vector<CChunkPort*> ports_{&memory_};
+};
 
 bool is_possible(const SingleChunkData_t& chunk, int64_t bufferLength) {
     const int64_t end = bufferLength < 0 ? std::numeric_limits<int64_t>::max() : bufferLength;
@@ -74,12 +88,12 @@ void CChunkAdapter::AttachChunks(uint8_t* buffer, int64_t bufferLength, const Si
                                                 " does not fit into its buffer.");
     }
 
-    std::vector<CChunkPort*> changed;
+    Changed changed(ports_.size());
     AttachStatistics_t counted{static_cast<int>(ports_.size()), static_cast<int>(std::min<int64_t>(count, INT32_MAX)), 0};
     {
         const AutoLock lock(map_->GetLock());
         for (CChunkPort& port : ports_) {
-            if (port.HasData()) changed.push_back(&port);
+            if (port.HasData()) changed.Add(port);
             port.RefreshChunkID();
             auto chunk = std::ranges::find_if(list, [&port](auto& one) { return port.CheckChunkID(one.ChunkID); });
             if (chunk == list.end()) {  // a copy of another buffer's chunk would pass for this one's
@@ -87,7 +101,7 @@ void CChunkAdapter::AttachChunks(uint8_t* buffer, int64_t bufferLength, const Si
                 port.DropCache();
                 continue;
             }
-            if (!port.HasData()) changed.push_back(&port);
+            if (!port.HasData()) changed.Add(port);
             const auto length = static_cast<int64_t>(chunk->ChunkLength);
             const bool cache = port.WantsCache() && (maxChunkCacheSize_ < 0 || length <= maxChunkCacheSize_);
             port.StoreChunk(buffer, chunk->ChunkOffset, length, cache);
@@ -95,33 +109,33 @@ void CChunkAdapter::AttachChunks(uint8_t* buffer, int64_t bufferLength, const Si
         }
     }
     if (statistics) *statistics = counted;
-    invalidate(changed);
+    changed.Invalidate();
 }
 
 void CChunkAdapter::DetachBuffer() {
     if (!map_) return;
-    std::vector<CChunkPort*> changed;
+    Changed changed(ports_.size());
     {
         const AutoLock lock(map_->GetLock());
         for (CChunkPort& port : ports_) {
             if (!port.IsAttached()) continue;
             port.DropChunk();
-            changed.push_back(&port);
+            changed.Add(port);
         }
     }
-    invalidate(changed);
+    changed.Invalidate();
 }
 
 void CChunkAdapter::UpdateBuffer(uint8_t* base) {
     if (!map_) throw GenICam::LogicalErrorException("The chunk adapter has no node map.");
     if (!base) throw GenICam::InvalidArgumentException("No buffer.");
-    std::vector<CChunkPort*> changed;
+    Changed changed(ports_.size());
     {
         const AutoLock lock(map_->GetLock());
         for (CChunkPort& port : ports_)
-            if (port.Rebase(base)) changed.push_back(&port);
+            if (port.Rebase(base)) changed.Add(port);
     }
-    invalidate(changed);
+    changed.Invalidate();
 }
 
 void CChunkAdapter::ClearCaches() {

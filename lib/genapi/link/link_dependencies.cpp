@@ -11,18 +11,26 @@ namespace {
 
 struct DependencyRow {
     Tag tag;
-    Effect effect;        ///< of a change of the named node on the one that names it
+    Link link;            ///< of the named node to the one that names it
     bool isWhereItLives;  ///< the named node is where the value comes from
 };
 constexpr DependencyRow dependencyRows[] = {
-    {Tag::pValue, Effect::Changes, true},          {Tag::pValueCopy, Effect::Changes, false},
-    {Tag::pValueIndexed, Effect::Changes, true},   {Tag::pValueDefault, Effect::Changes, true},
-    {Tag::pIndex, Effect::Changes, false},         {Tag::pMin, Effect::Changes, false},
-    {Tag::pMax, Effect::Changes, false},           {Tag::pInc, Effect::Changes, false},
-    {Tag::pVariable, Effect::Changes, false},      {Tag::pCommandValue, Effect::Changes, false},
-    {Tag::pIsImplemented, Effect::Changes, false}, {Tag::pIsAvailable, Effect::Changes, false},
-    {Tag::pIsLocked, Effect::Changes, false},      {Tag::pBlockPolling, Effect::Changes, false},
-    {Tag::pChunkID, Effect::Changes, false},       {Tag::pInvalidator, Effect::Outdates, false},
+    {Tag::pValue, Link::Source, true},
+    {Tag::pValueCopy, Link::Source, false},
+    {Tag::pValueIndexed, Link::Source, true},
+    {Tag::pValueDefault, Link::Source, true},
+    {Tag::pIndex, Link::Choice, false},
+    {Tag::pMin, Link::Limit, false},
+    {Tag::pMax, Link::Limit, false},
+    {Tag::pInc, Link::Limit, false},
+    {Tag::pVariable, Link::Variable, false},
+    {Tag::pCommandValue, Link::Enabling, false},
+    {Tag::pIsImplemented, Link::Condition, false},
+    {Tag::pIsAvailable, Link::Condition, false},
+    {Tag::pIsLocked, Link::Condition, false},
+    {Tag::pBlockPolling, Link::Mention, false},
+    {Tag::pChunkID, Link::Mention, false},
+    {Tag::pInvalidator, Link::Invalidator, false},
 };
 
 constexpr TagSet dependencyTags = [] {
@@ -36,15 +44,15 @@ void add_dependencies(Engine& engine, Node& node) {
     for (const auto& property : engine.table.Properties(node.GetRecord())) {
         if (property.target == nothing) continue;
         if (property.tag == Tag::pSelected) {
-            engine.graph.Add(node.Index(), property.target, Effect::Outdates);
+            engine.graph.Add(node.Index(), property.target, Link::Invalidator);
             continue;
         }
         if (isRegister && property.tag == Tag::pIndex) continue;  // a term of the address
         if (!dependencyTags.Has(property.tag)) continue;
         const auto& row = *std::find_if(std::begin(dependencyRows), std::end(dependencyRows),
                                         [&](const auto& candidate) { return candidate.tag == property.tag; });
-        engine.graph.Add(property.target, node.Index(), row.effect);
-        if (row.isWhereItLives) engine.graph.Add(node.Index(), property.target, Effect::Drops);
+        engine.graph.Add(property.target, node.Index(), row.link);
+        if (row.isWhereItLives) engine.graph.Add(node.Index(), property.target, Link::Origin);
     }
 }
 
@@ -72,7 +80,11 @@ void list_selectors(Engine& engine) {
 
 void link_dependencies(Engine& engine) {
     for (auto* node : engine.nodes) add_dependencies(engine, *node);
-    engine.graph.Close(static_cast<uint32_t>(engine.nodes.size() + engine.locations.size()));
+    const auto vertices = engine.nodes.size() + engine.locations.size();
+    if (vertices >= DependencyGraph::mostVertices)
+        throw GenICam::RuntimeException("The description has too many nodes: " + std::to_string(engine.nodes.size()) + ".");
+    engine.graph.Close(static_cast<uint32_t>(vertices));
+    engine.states.Resize(vertices);
     list_selectors(engine);
 }
 

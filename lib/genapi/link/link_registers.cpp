@@ -56,11 +56,11 @@ Location& LinkContext::FindOrMakeLocation(PortNode& port, int64_t base, std::vec
     engine.locations.push_back(&made);
     locations_.emplace(hash, &made);
     auto& graph = engine.graph;
-    graph.Add(port.Index(), vertex, Effect::Outdates);
-    if (auto* node = length.Target()) graph.Add(node->Index(), vertex, Effect::Changes);
+    graph.Add(port.Index(), vertex, Link::Invalidator);
+    if (auto* node = length.Target()) graph.Add(node->Index(), vertex, Link::Place);
     for (const auto& term : made.Terms()) {
-        graph.Add(term.node->Index(), vertex, Effect::Changes);
-        if (auto* stride = term.stride.Target()) graph.Add(stride->Index(), vertex, Effect::Changes);
+        graph.Add(term.node->Index(), vertex, Link::Place);
+        if (auto* stride = term.stride.Target()) graph.Add(stride->Index(), vertex, Link::Place);
     }
     return made;
 }
@@ -111,8 +111,8 @@ void LinkContext::FillAccess(Node& node, RegisterAccess& access) {
     ECachingModeClass::FromString(node.Text(Tag::Cachable), &access.caching);
     access.bigEndian = equal_ignoring_case(node.Text(Tag::Endianess), "BigEndian");
     auto& location = FindOrMakeLocation(*port, base, std::move(terms), length);
-    engine.graph.Add(location.Vertex(), node.Index(), Effect::Changes);
-    engine.graph.Add(node.Index(), location.Vertex(), Effect::Drops);
+    engine.graph.Add(location.Vertex(), node.Index(), Link::Bytes);
+    engine.graph.Add(node.Index(), location.Vertex(), Link::Origin);
     access.location = &location;
 }
 

@@ -45,6 +45,7 @@ EnumEntryNode* EnumerationNode::Valued(int64_t value) {
     const auto end = std::find_if(first, byValue_.end(), [&](auto i) { return entries_[i]->value_ != value; });
     if (first == end) return nullptr;
     if (end - first == 1) return entries_[*first];
+    engine_.evaluator.tainted = true;  // the entries' modes decide, and nobody tells when they change
     const auto available = std::find_if(first, end, [&](auto i) { return IsAvailable(Combine(entries_[i]->Mode(), RW)); });
     return entries_[available == end ? *first : *available];
 }

@@ -133,7 +133,7 @@ template <class T, class I, EInterfaceType k>
 void NumberNode<T, I, k>::ImposeMin(T value) {
     this->Run("ImposeMin", [&] {
         ChangeableRules().imposedMin = value;
-        this->engine_.Changed(this->Index());
+        this->engine_.Changed(this->Index(), facet::limits);
     });
 }
 
@@ -141,7 +141,7 @@ template <class T, class I, EInterfaceType k>
 void NumberNode<T, I, k>::ImposeMax(T value) {
     this->Run("ImposeMax", [&] {
         ChangeableRules().imposedMax = value;
-        this->engine_.Changed(this->Index());
+        this->engine_.Changed(this->Index(), facet::limits);
     });
 }
 

@@ -9,7 +9,7 @@ namespace kiv::genapi {
 
 void StoredText::Write(Node& self, std::string_view text, bool) {
     text_ = text;
-    self.Context().Changed(self.Index());
+    self.Context().Changed(self.Index(), facet::value);
 }
 
 std::string TextRegister::Read(Node&) {

@@ -51,6 +51,11 @@ int64_t CommandNode::ReadInteger() {
     return source_->Read(*this);
 }
 
+Range<int64_t> CommandNode::IntegerLimits() {
+    const Evaluation step(*this, Question::Limits);
+    return source_->Limits(*this);
+}
+
 void CommandNode::WriteInteger(int64_t value, bool verify) {
     if (value != 0) Start(verify);
 }
@@ -73,7 +78,7 @@ bool CommandNode::IsDone(bool) {
         if (ReadInteger() == command_()) return false;
         if (isRunning_) {
             isRunning_ = false;
-            engine_.Changed(Index());
+            engine_.Changed(Index(), facet::value);
         }
         return true;
     });

@@ -43,7 +43,7 @@ public:
     int64_t ReadInteger() override;
     double ReadFloat() override { return static_cast<double>(ReadInteger()); }
     void WriteInteger(int64_t value, bool verify) override;
-    Range<int64_t> IntegerLimits() override { return source_->Limits(*this); }
+    Range<int64_t> IntegerLimits() override;
     bool IsPolledNow() override { return isRunning_; }
 
     // Set by the linker.

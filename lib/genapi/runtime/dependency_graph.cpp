@@ -12,4 +12,14 @@ void DependencyGraph::Close(uint32_t vertices) {
     raw_ = {};
 }
 
+DependencyGraph DependencyGraph::Reversed() const {
+    DependencyGraph reversed;
+    reversed.raw_.reserve(edges_.size());
+    for (uint32_t from = 0; from < Vertices(); ++from)
+        for (const auto edge : From(from))
+            if (!edge.Is(Link::Origin)) reversed.Add(edge.target, from, static_cast<Link>(edge.link));
+    reversed.Close(Vertices());
+    return reversed;
+}
+
 }  // namespace kiv::genapi

@@ -1,6 +1,7 @@
 /// The state of one node map, shared by its nodes. The map itself (node_map.h) is the face of it.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "runtime/dependency_graph.h"
 #include "runtime/evaluation.h"
 #include "runtime/location_index.h"
+#include "runtime/vertex_states.h"
 
 namespace kiv::genapi {
 
@@ -36,6 +38,7 @@ struct Engine {
 
     // Guarded by the lock.
     mutable GenApi::CLock lock;
+    VertexStates states;
     Evaluator evaluator;
     CallbackBook callbacks;
     const char* operation = "";
@@ -43,23 +46,41 @@ struct Engine {
 
     /// Null when there is none; an optional "Std::" or "Cust::" is let pass.
     Node* Find(std::string_view name) const;
-    /// `vertex` shows another value, because it was written or because what it is computed from did.
-    void Changed(uint32_t vertex) { Spread(vertex, Effect::Changes); }
+
+    /// A facet of `vertex` goes into an answer. To be called before the facet is worked out.
+    void Ask(uint32_t vertex, Facets facets) {
+        if (evaluator.keepers > 0) states.Ask(vertex, facets);
+    }
+    /// The facets of `vertex` have changed, because it was written or because what they are computed from did.
+    void Changed(uint32_t vertex, Facets facets);
     /// `vertex` may show another value in the device: it has to be read again.
-    void Outdated(uint32_t vertex) { Spread(vertex, Effect::Outdates); }
+    void Outdated(uint32_t vertex) { Spread(vertex, facet::all | facet::drop); }
     void OutdateAll();
 
-private:
-    void Spread(uint32_t origin, Effect effect);
-    void Visit(uint32_t vertex, Effect effect);
-    void Announce(Node& node);
+    // Callbacks of a node. They decide which changes have to be followed although nobody keeps anything.
+    GenApi::CallbackHandleType AddCallback(Node& node, std::unique_ptr<GenApi::CNodeCallback> callback);
+    bool RemoveCallback(Node& node, GenApi::CallbackHandleType handle);
 
-    struct Mark {
-        uint32_t changed = 0, dropped = 0;
+private:
+    struct Step {
+        uint32_t vertex;
+        Facets changes;
     };
+    struct Mark {
+        uint32_t noticed = 0, dropped = 0;
+    };
+
+    void Spread(uint32_t origin, Facets changes);
+    void Visit(uint32_t vertex, Facets changes);
+    void MarkRoutes();
+    void MarkRouteTo(uint32_t vertex);
+
     std::vector<Mark> marks_;  // by vertex: the last walk that came by
-    std::vector<DependencyGraph::Edge> queue_;
+    std::vector<Step> queue_;
     uint32_t walk_ = 0;
+    bool areRoutesMarked_ = false;
+    std::optional<DependencyGraph> backwards_;  // while there are callbacks
+    size_t lostRoutes_ = 0;                     // marked for nodes that have no callbacks any more
 };
 
 }  // namespace kiv::genapi

@@ -25,6 +25,7 @@ constexpr uint32_t mostWork = 1'000'000;
 
 Evaluation::Evaluation(Node& node, Question question) : node_(node), question_(question) {
     auto& evaluator = node.Context().evaluator;
+    node.Context().Ask(node.Index(), facets_of(question));
     if (evaluator.chain.empty()) {
         ++evaluator.epoch;
         evaluator.work = 0;

@@ -8,12 +8,18 @@
 #include <cstdint>
 #include <vector>
 
+#include "runtime/dependency_graph.h"
+
 namespace kiv::genapi {
 
 class Node;
 struct Engine;
 
-enum class Question : uint8_t { Value = 1, Mode = 2, Limits = 4, Write = 8, Freshness = 16 };
+/// The first three are the facets of the same name.
+enum class Question : uint8_t { Value = facet::value, Mode = facet::mode, Limits = facet::limits, Write = 8, Freshness = 16 };
+constexpr Facets facets_of(Question question) {
+    return static_cast<Facets>(question) & (facet::value | facet::mode | facet::limits);
+}
 
 /// The state of what is being evaluated in one map; guarded by the map's lock.
 struct Evaluator {
@@ -21,10 +27,11 @@ struct Evaluator {
     uint32_t work = 0;     ///< steps since the outermost question
     bool tainted = false;  ///< something went into the answer that must not be kept
     bool bypass = false;   ///< what is kept is not to be used
+    uint32_t keepers = 0;  ///< answers being worked out that may be kept
     std::vector<Node*> chain;
 };
 
-/// One step. The constructor throws LogicalErrorException when it leads nowhere.
+/// One step. The constructor throws LogicalErrorException when it leads nowhere. Value, mode and limits count as asked for.
 class Evaluation {
 public:
     Evaluation(Node& node, Question question);
@@ -40,8 +47,14 @@ private:
 /// Finds out whether the answer that is worked out in its scope may be kept.
 class Taint {
 public:
-    explicit Taint(Evaluator& evaluator) : evaluator_(evaluator), before_(evaluator.tainted) { evaluator.tainted = false; }
-    ~Taint() { evaluator_.tainted |= before_; }
+    explicit Taint(Evaluator& evaluator) : evaluator_(evaluator), before_(evaluator.tainted) {
+        evaluator.tainted = false;
+        ++evaluator.keepers;
+    }
+    ~Taint() {
+        evaluator_.tainted |= before_;
+        --evaluator_.keepers;
+    }
     Taint(const Taint&) = delete;
     Taint& operator=(const Taint&) = delete;
     bool IsClean() const { return !evaluator_.tainted; }

@@ -16,6 +16,12 @@ void LocationIndex::Build(const std::vector<Location*>& locations) {
               [](const Fixed& a, const Fixed& b) { return std::tie(a.port, a.begin) < std::tie(b.port, b.begin); });
     for (size_t i = 1; i < fixed_.size(); ++i)
         if (fixed_[i].port == fixed_[i - 1].port) fixed_[i].furthestEnd = std::max(fixed_[i].end, fixed_[i - 1].furthestEnd);
+    for (size_t i = 0; i < fixed_.size(); ++i) {
+        const bool isBehind = i == 0 || fixed_[i - 1].port != fixed_[i].port || fixed_[i - 1].furthestEnd <= fixed_[i].begin;
+        const bool isBefore =
+            i + 1 == fixed_.size() || fixed_[i + 1].port != fixed_[i].port || fixed_[i].end <= fixed_[i + 1].begin;
+        fixed_[i].location->isAlone_ = isBehind && isBefore;
+    }
 }
 
 void LocationIndex::Seen(Location& location, int64_t address, int64_t length) {

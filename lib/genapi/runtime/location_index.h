@@ -19,7 +19,8 @@ public:
     /// The bytes that `location` keeps are now those of [address, address + length).
     void Seen(Location& location, int64_t address, int64_t length);
 
-    /// Calls `visit` for every location but `self` on the same port that has bytes of [address, address + length).
+    /// Calls `visit` for every location but `self` on the same port that has bytes of [address, address + length), which is where
+    /// `self` stands now.
     template <class Visit>
     void ForEachOverlap(const Location& self, const PortNode* port, int64_t address, int64_t length, Visit visit) const;
 

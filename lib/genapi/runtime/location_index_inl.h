@@ -8,7 +8,7 @@ template <class Visit>
 void LocationIndex::ForEachOverlap(const Location& self, const PortNode* port, int64_t address, int64_t length,
                                    Visit visit) const {
     const int64_t end = address > INT64_MAX - length ? INT64_MAX : address + length;
-    for (std::size_t i = FirstBehind(port, end); i-- > 0;) {
+    for (std::size_t i = self.isAlone_ ? 0 : FirstBehind(port, end); i-- > 0;) {
         const auto& fixed = fixed_[i];
         if (fixed.port != port || fixed.furthestEnd <= address) break;
         if (fixed.end > address && fixed.location != &self) visit(*fixed.location);

@@ -81,7 +81,8 @@ EAccessMode Node::WorkOutMode() {
 }
 
 EAccessMode Node::Mode() {
-    if (state_ & modeFresh) return mode_;
+    Asked(facet::mode);
+    if (engine_.states.Has(index_, kept::mode)) return mode_;
     if (evaluating_ & static_cast<uint8_t>(Question::Mode)) {
         engine_.evaluator.tainted = true;
         return _CycleDetectAccesMode;
@@ -91,7 +92,7 @@ EAccessMode Node::Mode() {
     const auto mode = WorkOutMode();
     if (taint.IsClean()) {
         mode_ = mode;
-        state_ |= static_cast<uint8_t>(modeFresh | (IsReadable(mode) ? readable : 0));
+        engine_.states.Keep(index_, kept::mode | (IsReadable(mode) ? kept::readable : 0));
     }
     return mode;
 }
@@ -117,7 +118,7 @@ EAccessMode Node::AccessModeFromOutside() const {
     auto& self = Changeable();
     {
         const AutoLock hold(engine_.lock);
-        if (state_ & modeFresh) return mode_;
+        if (engine_.states.Has(index_, kept::mode)) return mode_;
     }
     try {
         return self.Run("GetAccessMode", [&] { return self.Mode(); });
@@ -129,14 +130,14 @@ EAccessMode Node::AccessModeFromOutside() const {
 void Node::ImposeAccessMode(EAccessMode mode) {
     Run("ImposeAccessMode", [&] {
         imposed_ = mode;
-        engine_.Changed(index_);
+        engine_.Changed(index_, facet::mode);
     });
 }
 
 void Node::ImposeVisibility(EVisibility visibility) {
     Run("ImposeVisibility", [&] {
         imposedVisibility_ = visibility;
-        engine_.Changed(index_);
+        engine_.Changed(index_, facet::all);
     });
 }
 
@@ -170,12 +171,12 @@ CallbackHandleType Node::RegisterCallback(CNodeCallback* callback) {
     std::unique_ptr<CNodeCallback> owned(callback);
     if (!owned) throw GenICam::InvalidArgumentException("The callback is a null pointer.", {Name(), "RegisterCallback"});
     const AutoLock hold(engine_.lock);
-    return engine_.callbacks.Add(*this, std::move(owned));
+    return engine_.AddCallback(*this, std::move(owned));
 }
 
 bool Node::DeregisterCallback(CallbackHandleType handle) {
     const AutoLock hold(engine_.lock);
-    return engine_.callbacks.Remove(*this, handle);
+    return engine_.RemoveCallback(*this, handle);
 }
 
 // ---- selectors ----

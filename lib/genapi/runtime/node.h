@@ -117,10 +117,10 @@ public:
     /// The IValue face; null for nodes without a value.
     virtual GenApi::IValue* Value() noexcept { return nullptr; }
 
-    bool IsValueFresh() const { return (state_ & valueFresh) && !engine_.evaluator.bypass; }
-    void MarkValueFresh() { state_ |= valueFresh; }
-    void Forget() { state_ = 0; }
-    void ForgetValue() { state_ &= static_cast<uint8_t>(~valueFresh); }
+    bool IsValueFresh() const { return engine_.states.Has(index_, kept::value) && !engine_.evaluator.bypass; }
+    void MarkValueFresh() { engine_.states.Keep(index_, kept::value); }
+    void ForgetValue() { engine_.states.Forget(index_, kept::value); }
+    void Asked(Facets facets) { engine_.Ask(index_, facets); }
     const std::string* Fault() const;
     /// Throws RuntimeException: the node has no value, because its description is faulty or its kind is not supported.
     [[noreturn]] void RefuseValue() const;
@@ -152,7 +152,7 @@ protected:
 
     EAccessMode AccessModeFromOutside() const;
     /// The value is kept and may be read: nothing more to ask.
-    bool IsReadyToRead() const { return (state_ & (valueFresh | readable)) == (valueFresh | readable); }
+    bool IsReadyToRead() const { return engine_.states.Has(index_, kept::value | kept::readable); }
     Node& Changeable() const { return const_cast<Node&>(*this); }
 
     Engine& engine_;
@@ -162,14 +162,12 @@ private:
     friend class Evaluation;
     friend struct Engine;
 
-    enum : uint8_t { valueFresh = 1, modeFresh = 2, readable = 4 };
     enum class Truth : uint8_t { No, Yes, Unknown };
     static Truth Ask(Node& condition);
     EAccessMode WorkOutMode();
     gcstring TextOf(Tag tag) const { return Text(tag); }
 
     uint32_t index_;
-    uint8_t state_ = 0;
     uint8_t evaluating_ = 0;
     bool hasCallbacks_ = false;
     bool isWaiting_ = false;

@@ -62,7 +62,7 @@ std::vector<const Node*> dependants_of(const Node& node, bool all) {
     for (size_t i = 0; i < queue.size(); ++i) {
         if (!all && i > 0 && queue[i] < engine.nodes.size()) continue;
         for (const auto edge : engine.graph.From(queue[i])) {
-            if (edge.effect == static_cast<uint32_t>(Effect::Drops) || seen[edge.target]) continue;
+            if (edge.Is(Link::Origin) || seen[edge.target]) continue;
             seen[edge.target] = true;
             queue.push_back(edge.target);
             if (edge.target < engine.nodes.size()) found.push_back(engine.nodes[edge.target]);

@@ -27,6 +27,7 @@ T FormulaSet<T>::Read(Node& self, const Variable& variable) const {
         case Part::AccessMode:
             return static_cast<T>(node.Mode());
         case Part::Visibility:
+            node.Asked(facet::all);  // an imposed visibility is told as a change of everything
             return static_cast<T>(node.GetVisibility());
         case Part::CachingMode:
             return static_cast<T>(node.GetCachingMode());

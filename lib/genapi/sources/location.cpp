@@ -20,8 +20,16 @@ int64_t times(int64_t a, int64_t b) { return static_cast<int64_t>(static_cast<ui
 
 }  // namespace
 
+bool Location::Has(uint8_t kept) const { return engine_.states.Has(vertex_, kept); }
+
+void Location::Drop() {
+    engine_.states.Forget(vertex_, kept::bytes);
+    epoch_ = 0;
+}
+
 void Location::Place() {
-    if (isPlaced_ && !(engine_.evaluator.bypass && !IsFixed())) return;
+    engine_.Ask(vertex_, facet::limits);
+    if (Has(kept::place) && !(engine_.evaluator.bypass && !IsFixed())) return;
     const Taint taint(engine_.evaluator);
     const auto length = length_();
     if (length < 0 || length > longestRegister)
@@ -34,13 +42,17 @@ void Location::Place() {
     }
     address_ = address;
     currentLength_ = length;
-    isPlaced_ = taint.IsClean();
+    if (taint.IsClean())
+        engine_.states.Keep(vertex_, kept::place);
+    else
+        engine_.states.Forget(vertex_, kept::place);
 }
 
 int64_t Location::Address() { return Place(), address_; }
 int64_t Location::Length() { return Place(), currentLength_; }
 
 EAccessMode Location::Mode() {
+    engine_.Ask(vertex_, facet::mode);
     for (const auto& term : terms_) {
         if (!IsReadable(Combine(term.node->Mode(), RW))) return NA;
         auto* stride = term.stride.Target();
@@ -56,38 +68,43 @@ void Location::SawAt(int64_t address) {
 }
 
 std::span<const uint8_t> Location::Read(ECachingMode caching) {
+    engine_.Ask(vertex_, facet::value);
     Place();
     auto& evaluator = engine_.evaluator;
     const bool sameRange = seenAddress_ == address_ && SeenLength() == currentLength_;
-    const bool isKept = sameRange && isValid_ && caching != NoCache && !evaluator.bypass;
+    const bool isKept = sameRange && Has(kept::bytes) && caching != NoCache && !evaluator.bypass;
     if (isKept) {
-        isReliedOn_ = true;
+        engine_.states.Keep(vertex_, kept::reliance);
         return bytes_.All();
     }
     if (caching == NoCache) evaluator.tainted = true;
     if (sameRange && epoch_ == evaluator.epoch) return bytes_.All();  // this question has read it already
 
-    const bool wasReliedOn = sameRange && isReliedOn_;
-    const bool wasValid = sameRange && isValid_;
+    const bool wasReliedOn = sameRange && Has(kept::reliance);
+    const bool wasValid = sameRange && Has(kept::bytes);
     Bytes fresh;
     fresh.Resize(static_cast<size_t>(currentLength_));
-    isValid_ = false;
+    engine_.states.Forget(vertex_, kept::bytes);
     port_.ReadBytes(fresh.All(), address_);
     const bool differs = wasReliedOn && !std::ranges::equal(fresh.All(), bytes_.All());
     std::swap(bytes_, fresh);
     SawAt(address_);
     epoch_ = evaluator.epoch;
-    isValid_ = wasValid || caching != NoCache;
-    if (differs) engine_.Changed(vertex_);
-    isReliedOn_ = isValid_;
-    isPlaced_ = isPlaced_ || IsFixed();
+    const bool isKeptNow = wasValid || caching != NoCache;
+    if (differs) engine_.Changed(vertex_, facet::value);
+    KeepBytes(isKeptNow);
     return bytes_.All();
+}
+
+void Location::KeepBytes(bool areTrue) {
+    constexpr uint8_t both = kept::bytes | kept::reliance;
+    areTrue ? engine_.states.Keep(vertex_, both) : engine_.states.Forget(vertex_, both);
 }
 
 std::span<const uint8_t> Location::Known() {
     Place();
     const bool sameRange = seenAddress_ == address_ && SeenLength() == currentLength_;
-    if (!sameRange || !isValid_) {
+    if (!sameRange || !Has(kept::bytes)) {
         bytes_.Resize(static_cast<size_t>(currentLength_));
         std::ranges::fill(bytes_.All(), uint8_t{0});
         SawAt(address_);
@@ -104,9 +121,9 @@ void Location::Write(std::span<const uint8_t> bytes, ECachingMode caching) {
     const auto spread = [&] {
         engine_.locationIndex.ForEachOverlap(*this, &port_, address, length, [&](Location& other) {
             other.Drop();
-            engine_.Changed(other.Vertex());
+            engine_.Changed(other.Vertex(), facet::value);
         });
-        engine_.Changed(vertex_);
+        engine_.Changed(vertex_, facet::value);
     };
     try {
         port_.WriteBytes(bytes, address);
@@ -118,7 +135,7 @@ void Location::Write(std::span<const uint8_t> bytes, ECachingMode caching) {
     bytes_.Resize(bytes.size());
     std::copy(bytes.begin(), bytes.end(), bytes_.All().begin());
     SawAt(address);
-    isReliedOn_ = isValid_ = caching == WriteThrough;
+    KeepBytes(caching == WriteThrough);
 }
 
 }  // namespace kiv::genapi

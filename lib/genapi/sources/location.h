@@ -9,6 +9,7 @@
 
 #include "GenApi/types.h"
 #include "runtime/setting.h"
+#include "runtime/vertex_states.h"
 
 namespace kiv::genapi {
 
@@ -23,6 +24,7 @@ struct AddressTerm {
     Setting<int64_t> stride;  ///< of an index; absent: the register's length
 };
 
+/// What it keeps is its address and length, and its bytes; whether they are true stands in the engine's states.
 class Location {
 public:
     Location(Engine& engine, uint32_t vertex, PortNode& port, int64_t base, std::vector<AddressTerm> terms,
@@ -47,10 +49,8 @@ public:
     /// `bytes` has the register's length.
     void Write(std::span<const uint8_t> bytes, GenApi::ECachingMode caching);
 
-    bool IsFresh() const { return isValid_ && (isPlaced_ || IsFixed()); }
-    /// All that depends on the register has been told that it changes.
-    void Announced() { isPlaced_ = false, isReliedOn_ = false; }
-    void Drop() { isValid_ = false, epoch_ = 0; }
+    bool IsFresh() const { return Has(kept::bytes) && (Has(kept::place) || IsFixed()); }
+    void Drop();
 
 private:
     friend class LocationIndex;
@@ -72,6 +72,8 @@ private:
     };
 
     void Place();
+    bool Has(uint8_t kept) const;
+    void KeepBytes(bool areTrue);
     int64_t SeenLength() const { return static_cast<int64_t>(bytes_.Size()); }
     /// bytes_ are now those of that address.
     void SawAt(int64_t address);
@@ -83,11 +85,9 @@ private:
     Setting<int64_t> length_;
     int64_t address_ = 0;
     int64_t currentLength_ = 0;
-    bool isPlaced_ = false;    // address_ and currentLength_ are true
-    bool isValid_ = false;     // bytes_ are what the register holds
-    bool isReliedOn_ = false;  // somebody may keep what was computed from bytes_, and would not be told that they differ
     static constexpr uint32_t notListed = UINT32_MAX;
     uint32_t listed_ = notListed;  // its place in the index of moving locations
+    bool isAlone_ = false;         // no other location that does not move has one of its bytes
     uint32_t vertex_;
     uint64_t epoch_ = 0;  // the question in which bytes_ were read
     int64_t seenAddress_ = 0;

@@ -16,7 +16,7 @@ public:
     T Read(Node&) override { return value_; }
     void Write(Node& self, T value, bool) override {
         value_ = value;
-        self.Context().Changed(self.Index());
+        self.Context().Changed(self.Index(), facet::value);
     }
     Range<T> Limits(Node&) override { return {}; }
     EAccessMode Mode(Node&) override { return GenApi::RW; }
@@ -106,7 +106,7 @@ public:
         auto& chosen = Chosen(self);
         if (auto* target = chosen.Target()) return write_to(*target, value, verify);
         chosen = Setting<T>(value);
-        self.Context().Changed(self.Index());
+        self.Context().Changed(self.Index(), facet::value);
     }
 
     Range<T> Limits(Node& self) override {

@@ -34,6 +34,7 @@ template <class T>
 class Kept {
 public:
     T Read(Node& self, Source<T>& source) {
+        self.Asked(facet::value);
         if (self.IsValueFresh()) return value_;
         const Evaluation step(self, Question::Value);
         const Taint taint(self.Context().evaluator);

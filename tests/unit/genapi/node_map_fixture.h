@@ -19,7 +19,7 @@
 namespace kiv::genapi::testing {
 
 /// The device: bytes at addresses from 0, and a count of what was transferred.
-class Memory final : public GenApi::IPort {
+class Memory : public GenApi::IPort {
 public:
     GenApi::EAccessMode GetAccessMode() const override { return mode; }
     GenApi::EInterfaceType GetPrincipalInterfaceType() const override { return GenApi::intfIPort; }
