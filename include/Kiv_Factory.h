@@ -15,6 +15,7 @@
 #define KIV_FACTORY_H
 
 #include <kiv/camera.h>
+#include <kiv/camera_link.h>
 #include <kiv/diagnostics.h>
 #include <kiv/factory.h>
 #include <kiv/gentl.h>

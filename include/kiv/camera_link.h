@@ -37,4 +37,26 @@
 K_API K_STATUS_CODES K_CALL K_Factory_Camera_Link_Probe(char* ports, char* deviceIds, char* modelNames, char* currentRates,
                                                         char* supportedRates, uint64_t size, const char* cancelEventName);
 
+/* ---- cancelling, for programs that have no named events of the system's own ----
+
+       CANCEL_EVENT_HANDLE cancel;
+       K_Factory_Camera_Link_CreateCancelEvent("my-probe", &cancel);
+       ... another thread calls K_Factory_Camera_Link_Probe(..., "my-probe") ...
+       K_Factory_Camera_Link_Cancel(cancel);
+       ... the probe has returned K_ST_ABORT ...
+       K_Factory_Camera_Link_CloseCancelEvent(cancel);
+
+   On Windows an event of CreateEvent does the same. */
+
+typedef struct K_CANCEL_EVENT* CANCEL_EVENT_HANDLE;
+
+/**
+ * The named event that a probe, in this process or another one of the same user, is given to be cancelled by. It exists until it
+ * is closed. K_ST_INVALID_PARAMETER: a name that is null, empty or longer than 180 bytes, or a null result.
+ */
+K_API K_STATUS_CODES K_CALL K_Factory_Camera_Link_CreateCancelEvent(const char* name, CANCEL_EVENT_HANDLE* phCancelEvent);
+/** Cancels every probe of that name, running or yet to come. */
+K_API K_STATUS_CODES K_CALL K_Factory_Camera_Link_Cancel(CANCEL_EVENT_HANDLE hCancelEvent);
+K_API K_STATUS_CODES K_CALL K_Factory_Camera_Link_CloseCancelEvent(CANCEL_EVENT_HANDLE hCancelEvent);
+
 #endif

@@ -62,4 +62,5 @@ void add_xml_command(CLI::App& app, Invocation& invocation);
 void add_producers_command(CLI::App& app, Invocation& invocation);
 void add_grab_command(CLI::App& app, Invocation& invocation);
 void add_tree_command(CLI::App& app, Invocation& invocation);
+void add_probe_command(CLI::App& app, Invocation& invocation);
 void add_watch_command(CLI::App& app, Invocation& invocation);
