@@ -89,20 +89,33 @@ SerialCamera::~SerialCamera() {
         if (number >= 0) close(number);
 }
 
+void SerialCamera::SetManners(Manners manners) {
+    std::lock_guard guard(settings_lock_);
+    manners_ = std::move(manners);
+}
+
+void SerialCamera::Remove(std::uint64_t address) {
+    std::lock_guard guard(settings_lock_);
+    memory_.erase(address);
+}
+
 void SerialCamera::SetText(std::uint64_t address, const std::string& text) {
+    std::lock_guard guard(settings_lock_);
     SerialBytes& room = memory_[address];
     room.assign(64, 0);
     std::copy_n(text.begin(), std::min<std::size_t>(text.size(), 64), room.begin());
 }
 
 void SerialCamera::SetNumber(std::uint64_t address, std::uint64_t number, std::size_t size) {
+    std::lock_guard guard(settings_lock_);
     memory_[address].clear();
     put_number(memory_[address], number, size);
 }
 
 void SerialCamera::SetRate(unsigned rate, std::uint32_t bit) {
-    speed_code_ = speed_of(rate);
     SetNumber(kOwnRegisters + 4, bit, 4);
+    std::lock_guard guard(settings_lock_);
+    speed_code_ = speed_of(rate);
 }
 
 std::vector<SerialCommand> SerialCamera::Commands() const {
@@ -133,6 +146,7 @@ void SerialCamera::Run() {
             std::lock_guard guard(lock_);
             bytes_heard_ += bytes.size();
         }
+        std::lock_guard guard(settings_lock_);
         if (Tuned()) Hear(bytes);
         if (master_ < 0) return;
     }

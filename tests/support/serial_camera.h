@@ -50,10 +50,10 @@ public:
     const std::string& Path() const { return path_; }
 
     // Before the probe begins.
-    void SetManners(Manners manners) { manners_ = std::move(manners); }
+    void SetManners(Manners manners);
     void SetText(std::uint64_t address, const std::string& text);
     void SetNumber(std::uint64_t address, std::uint64_t number, std::size_t size);
-    void Remove(std::uint64_t address) { memory_.erase(address); }
+    void Remove(std::uint64_t address);
     /// In bits per second and as the bit of the register.
     void SetRate(unsigned rate, std::uint32_t bit);
 
@@ -68,9 +68,11 @@ private:
     SerialBytes ProperAnswer(const SerialCommand& command);
     bool Tuned() const;
 
+    std::mutex settings_lock_;  // for the next three; held while a command is answered
     std::map<std::uint64_t, SerialBytes> memory_;
     Manners manners_;
     unsigned speed_code_;
+
     SerialBytes heard_;
     std::uint16_t last_request_ = 0;
     SerialBytes last_answer_;
