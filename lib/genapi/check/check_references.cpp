@@ -65,10 +65,12 @@ private:
         const auto root = model_.Find("Root");
         if (root == none || model_.nodes[root].kind != Element::Category)
             findings_.Warn(model_.At(0).line, "", "There is no category 'Root', where applications begin to look for features.");
+        // That of a camera, and those of the modules that lead to it.
+        constexpr std::string_view ports = "Device TLPort InterfacePort DevicePort StreamPort BufferPort";
         bool hasPort = false;
         for (uint32_t i = 0; i < model_.nodes.size(); ++i) {
             const auto& node = model_.nodes[i];
-            hasPort |= node.kind == Element::Port && node.name == "Device";
+            hasPort |= node.kind == Element::Port && has_word(ports, node.name);
             if (isNamed_[i] || node.owner != none || i == root || node.name.empty() || node.kind == Element::StructReg) continue;
             if (node.kind == Element::Port || std::count(model_.duplicates.begin(), model_.duplicates.end(), i)) continue;
             if (node.kind == Element::Category)
