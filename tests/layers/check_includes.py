@@ -28,7 +28,7 @@ ROOMS = {
     "lib/gcbase": [GENAPI_INTERFACE, "lib/platform"],
     "lib/archive": ["lib/platform", "lib/gcbase"],
     "lib/registry": [REGISTRY_INTERFACE, C_INTERFACE, "lib/platform", "lib/gcbase"],
-    "lib/genapi": [GENAPI_INTERFACE, "lib/platform", "lib/gcbase", "lib/log"],
+    "lib/genapi": [GENAPI_INTERFACE, "lib/platform", "lib/gcbase", "lib/archive", "lib/log"],
     "lib/log": ["lib/platform", "lib/gcbase", GENAPI_INTERFACE],
     "lib/clprotocol": [GENAPI_INTERFACE, "lib/genapi", "lib/gcbase", "lib/platform"],
     "lib/vl": [IMAGING_INTERFACE, C_INTERFACE, "lib/platform"],

@@ -1,6 +1,7 @@
 #include <fstream>
-#include <iterator>
 #include <span>
+#include <sstream>
+#include <utility>
 
 #include "GenApi/description_check.h"
 #include "GenICam/exceptions.h"
@@ -11,8 +12,10 @@ namespace GenApi {
 gcstring ReadDescriptionFile(const gcstring& fileName) {
     std::ifstream file(fileName.c_str(), std::ios::binary);
     if (!file) throw GenICam::RuntimeException("The description file '" + fileName.str() + "' cannot be opened.");
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    if (file.bad()) throw GenICam::RuntimeException("The description file '" + fileName.str() + "' cannot be read.");
+    std::ostringstream content;
+    content << file.rdbuf();  // a folder opens well, and fails here
+    if (content.bad()) throw GenICam::RuntimeException("The description file '" + fileName.str() + "' cannot be read.");
+    const auto bytes = std::move(content).str();
     const auto view = std::as_bytes(std::span(bytes));
     if (!kiv::archive::is_zip(view)) return bytes;
     try {
