@@ -121,6 +121,18 @@ TEST_F(CameraLink, UsesLibrariesOfTheFirstGenerationAndPassesOverBrokenOnes) {
                 testing::AllOf(HasSubstr("clserbad.so"), HasSubstr("clsergtl.so' is no serial library: it has no clSerialInit")));
 }
 
+TEST_F(CameraLink, TheSystemsRecordNamesAFolderTooAndALibraryCountsOnce) {
+    SerialCamera camera;
+    std::filesystem::create_symlink(KIV_SERIAL_LIBRARY, folder.MakeFolder("recorded") + "/libCLSerKIV.so");
+    const ScopedEnvironment records(
+        "KIV_INSTALLER_REGISTRY", folder.Write("records.reg", "[HKEY_LOCAL_MACHINE\\SOFTWARE\\CameraLink]\n\"CLSERIALPATH\"=\"" +
+                                                                  folder.In("recorded") + "\"\n"));
+    grabber_ports = "A=" + camera.Path() + "=1;";
+    EXPECT_EQ("Test Grabbers#A\n", Probe().texts[0]);
+    AddLibrary(KIV_SERIAL_LIBRARY, "clserkiv.so");
+    EXPECT_EQ("Test Grabbers#A\n", Probe().texts[0]);
+}
+
 TEST_F(CameraLink, ATemplateOfAMakerLetsOnlyHisCamerasThrough) {
     SerialCamera ours, theirs;
     theirs.SetText(0x04, "Somebody else");
