@@ -11,6 +11,7 @@ TEST(Cycles, OfValuesAreNamed) {
         <IntConverter Name="C"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>K</pValue></IntConverter>
         <Integer Name="Limit"><Value>1</Value><pMax>Limit2</pMax></Integer><Integer Name="Limit2"><pValue>Limit3</pValue></Integer>
         <Integer Name="Limit3"><pValue>Limit2</pValue></Integer>
+        <Command Name="Cmd"><pValue>Cmd</pValue><CommandValue>1</CommandValue></Command><Integer Name="ShowsCmd"><pValue>Cmd</pValue></Integer>
         <String Name="S"><pValue>S</pValue></String>
         <IntReg Name="R"><pAddress>R</pAddress><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Endianess>LittleEndian</Endianess></IntReg>
         <Integer Name="Fine"><Value>1</Value></Integer>)");
@@ -21,6 +22,8 @@ TEST(Cycles, OfValuesAreNamed) {
     for (const auto* name : {"A", "K", "Limit2", "S", "R"}) EXPECT_FALSE(camera.Value(name).IsValueCacheValid()) << name;
     EXPECT_NODE_ERROR(LogicalErrorException, camera.String("S").GetValue(), "S", "S -> S");
     EXPECT_NODE_ERROR(LogicalErrorException, camera.Integer("R").GetValue(), "R", "R -> R");
+    EXPECT_NODE_ERROR(LogicalErrorException, camera.Integer("ShowsCmd").GetMax(), "Cmd", "Cmd -> Cmd");
+    EXPECT_NODE_ERROR(LogicalErrorException, camera.Command("Cmd").Execute(), "Cmd", "refers to itself");
     EXPECT_THROW(camera.Integer("Limit").SetValue(1), GenICam::LogicalErrorException);
     camera.Integer("Limit").SetValue(2, false);
     EXPECT_EQ(1, camera.Integer("Fine").GetValue());
