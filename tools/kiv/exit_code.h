@@ -3,10 +3,11 @@
 
 enum class ExitCode {
     kOk = 0,
-    kFailed = 1,          ///< an operation on a camera, a feature or a file failed
-    kUsage = 2,           ///< the command line is wrong
-    kNothingFound = 3,    ///< no registry, no producer, or no camera
-    kNoSuchCamera = 4,    ///< the camera that was asked for is not there, is ambiguous, or is in use
-    kIncompleteGrab = 5,  ///< a grab ended with fewer good images than asked for
-    kInterrupted = 130,   ///< ended by Ctrl-C, as shells count it
+    kFailed = 1,             ///< an operation on a camera, a feature or a file failed
+    kUsage = 2,              ///< the command line is wrong
+    kNothingFound = 3,       ///< no registry, no producer, or no camera
+    kNoSuchCamera = 4,       ///< the camera that was asked for is not there, is ambiguous, or is in use
+    kIncompleteGrab = 5,     ///< a grab ended with fewer good images than asked for
+    kFaultyDescription = 6,  ///< lint found errors or warnings
+    kInterrupted = 130,      ///< ended by Ctrl-C, as shells count it
 };

@@ -64,3 +64,4 @@ void add_grab_command(CLI::App& app, Invocation& invocation);
 void add_tree_command(CLI::App& app, Invocation& invocation);
 void add_probe_command(CLI::App& app, Invocation& invocation);
 void add_watch_command(CLI::App& app, Invocation& invocation);
+void add_lint_command(CLI::App& app, Invocation& invocation);
