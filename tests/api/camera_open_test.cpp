@@ -93,22 +93,6 @@ TEST_F(CameraOpen, CamerasAreUsedFromManyThreadsAtOnce) {
     for (auto& user : users) user.join();
 }
 
-TEST_F(CameraOpen, OneCameraIsUsedFromManyThreadsAtOnce) {
-    ASSERT_NO_FATAL_FAILURE(OpenCamera());
-    std::vector<std::thread> users;
-    for (auto* feature : {"Width", "Height", "GainRaw", "Pattern"})
-        users.emplace_back([this, feature] {
-            for (std::int64_t value = 1; value <= 60; ++value) {
-                std::int64_t seen = 0;
-                auto wanted = std::string(feature) == "Width" ? 16 + 8 * value : 1 + value % 3;
-                EXPECT_STATUS(K_ST_SUCCESS, K_Camera_SetValueInt64(camera, feature, wanted));
-                EXPECT_STATUS(K_ST_SUCCESS, K_Camera_GetValueInt64(camera, feature, &seen));
-                EXPECT_EQ(wanted, seen) << feature;
-            }
-        });
-    for (auto& user : users) user.join();
-}
-
 TEST_F(CameraOpen, ChecksTheIdentifierInItsOrder) {
     ASSERT_NO_FATAL_FAILURE(OpenFactory());
     EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Camera_Open_Proxy(factory, nullptr, nullptr));
