@@ -12,6 +12,8 @@ using std::chrono::milliseconds;
 
 /// For the system, and for adapters that gather bytes before they hand them on.
 constexpr milliseconds margin{150};
+/// At least so long a line is listened to before it counts as quiet.
+constexpr milliseconds shortest_quiet{10};
 /// How long one waits without asking the checkpoint.
 constexpr milliseconds slice{20};
 
@@ -78,9 +80,8 @@ std::size_t GenCpLink::ReadSlice(std::span<std::byte> bytes, Time deadline) {
     return serial_.ReadSome(bytes, std::clamp(left, milliseconds(0), slice));
 }
 
-/// Waits until the line is quiet, so that a late or broken answer is not taken for the one to come.
-void GenCpLink::Drain(std::size_t packet_size, Time give_up) {
-    const milliseconds quiet = TransferTime(packet_size) + milliseconds(10);
+/// Waits until the line is quiet for so long: a late or broken answer is not to be taken for the one to come.
+void GenCpLink::Drain(milliseconds quiet, Time give_up) {
     const Time enough = std::min(give_up, Clock::now() + 4 * quiet);  // a line that never is quiet is tried as it is
     std::array<std::byte, 256> bytes;
     for (Time silence = Clock::now() + quiet; Clock::now() < std::min(silence, enough);)
@@ -110,7 +111,7 @@ Ack GenCpLink::Exchange(Command command, const Bytes& payload, std::size_t answe
     const milliseconds timeout = TransferTime(sent) + response_time_ + TransferTime(received) + margin;
     for (int attempt = 0; attempt < tries_ && Clock::now() < give_up; ++attempt) {
         checkpoint_();
-        if (attempt > 0) Drain(received, give_up);
+        if (attempt > 0) Drain(TransferTime(received) + shortest_quiet, give_up);
         checkpoint_();
         serial_.Write(command_packet(command, request, payload, attempt > 0), TransferTime(sent) + margin);
         if (auto ack = Await(command, request, std::min(give_up, Clock::now() + timeout), give_up)) return *ack;
@@ -132,7 +133,7 @@ Bytes GenCpLink::Execute(Command command, const Bytes& payload, std::size_t answ
         if (attempt >= tries_ || !known || !known->worth_repeating || Clock::now() >= give_up)
             throw RefusedException(refusal(command, payload, ack.status), ack.status);
         // As a new command: to the same request the camera would only repeat what it said.
-        Drain(header_size + answer_size, give_up);
+        Drain(std::max(response_time_, TransferTime(header_size + answer_size) + shortest_quiet), give_up);
     }
 }
 

@@ -54,7 +54,7 @@ private:
     Bytes Execute(Command command, const Bytes& payload, std::size_t answer_size);
     Ack Exchange(Command command, const Bytes& payload, std::size_t answer_size, Time give_up);
     std::optional<Ack> Await(Command command, std::uint16_t request, Time deadline, Time give_up);
-    void Drain(std::size_t packet_size, Time give_up);
+    void Drain(Milliseconds quiet, Time give_up);
     std::size_t ReadSlice(std::span<std::byte> bytes, Time deadline);
     std::uint16_t TakeRequest();
     Milliseconds TransferTime(std::size_t bytes) const;
