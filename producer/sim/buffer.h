@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "camera/camera.h"
+#include "camera/frame_faults.h"
 #include "handles.h"
 #include "info.h"
 
@@ -25,6 +27,7 @@ public:
         bool incomplete = false;
         bool too_large = false;  ///< the image did not fit
         uint32_t missing_packets = 0;
+        WrongSize wrong_size;
     };
 
     /// Over the consumer's memory, or (null) over memory of its own.
@@ -42,8 +45,13 @@ public:
     /// Under the stream's lock.
     void SetContent(const Content& content) { content_ = content; }
     Info GetInfo(GenTL::BUFFER_INFO_CMD command, const std::string& tl_type) const;
+    /// Where the chunks lie, found from the end of what was filled. Throws NO_DATA without chunks, PARSING_CHUNK_DATA when the
+    /// bytes are none.
+    std::vector<GenTL::SINGLE_CHUNK_DATA> Chunks() const;
 
 private:
+    /// A size as it is, or as the camera was asked to misstate it.
+    Info ReportedSize(SizeKind kind, size_t size) const;
     Info GetFrameInfo(GenTL::BUFFER_INFO_CMD command) const;
 
     std::unique_ptr<std::byte[]> own_;

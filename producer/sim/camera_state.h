@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+#include "entry_faults.h"
+
 namespace kivsim {
 
 class CameraState {
@@ -21,6 +23,11 @@ public:
     /// Without a time it stays away until PlugIn.
     void Unplug(std::optional<std::chrono::milliseconds> comes_back);
     void PlugIn();
+    /// The frame has come at which the camera was asked to vanish: true once, until it is asked again.
+    bool TakeUnplugging() noexcept { return unplugs_at_frame_.exchange(false); }
+    void ArmUnplugging() noexcept { unplugs_at_frame_ = true; }
+
+    EntryFaults& Faults() noexcept { return faults_; }
 
     uint32_t Ip() const noexcept { return ip_; }
     void SetIp(uint32_t address) noexcept { ip_ = address; }
@@ -31,6 +38,8 @@ private:
     const std::string unplug_file_;
     std::atomic<uint32_t> ip_;
     std::atomic<bool> pulled_{false};
+    std::atomic<bool> unplugs_at_frame_{true};
+    EntryFaults faults_;
     std::mutex lock_;
     std::optional<Clock::time_point> back_at_;  ///< under the lock
 };

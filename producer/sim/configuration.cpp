@@ -4,6 +4,7 @@
 #include <set>
 
 #include "configuration_section.h"
+#include "fault_configuration.h"
 #include "flavour.h"
 #include "kiv/platform/environment.h"
 #include "kiv/platform/paths.h"
@@ -84,7 +85,7 @@ std::string default_id(const CameraEntry& entry, const InterfaceEntry& interface
 CameraEntry read_camera(const json& object, const std::string& place, const InterfaceEntry& interface, const std::string& file) {
     const Section section(object, place,
                           {"id", "model", "serial", "user_id", "url", "width", "height", "color", "frame_rate", "images", "seed",
-                           "unplug_file", "link_megabytes_per_second", "ip", "mac"});
+                           "unplug_file", "link_megabytes_per_second", "ip", "mac", "faults"});
     CameraEntry entry;
     CameraConfig& camera = entry.camera;
     camera.gige = flavour.gige;
@@ -114,6 +115,8 @@ CameraEntry read_camera(const json& object, const std::string& place, const Inte
     section.Get("link_megabytes_per_second", entry.megabytes_per_second);
     check_camera(entry, place);
     entry.state = std::make_shared<CameraState>(entry.unplug_file, entry.network.ip);
+    if (const json* faults = section.Find("faults"))
+        read_faults(*faults, place + ".faults", &entry.simulation, entry.state->Faults());
     return entry;
 }
 
@@ -139,12 +142,13 @@ InterfaceEntry new_interface(size_t index) {
 }
 
 Configuration read_configuration(const json& root, const std::string& file) {
-    const Section section(root, "the file", {"tl_type", "interfaces"});
+    const Section section(root, "the file", {"tl_type", "interfaces", "faults"});
     Configuration configuration;
     configuration.tl_type = flavour.tl_type;
     section.Get("tl_type", configuration.tl_type);
     if (!tl_types.contains(configuration.tl_type))
         refuse("tl_type " + configuration.tl_type + " is none of Custom, GEV, GigEVision, CL, CLHS, CXP, U3V");
+    if (const json* faults = section.Find("faults")) read_faults(*faults, "faults", nullptr, *configuration.faults);
     for (const json& item : section.List("interfaces")) {
         const std::string place = "interfaces[" + std::to_string(configuration.interfaces.size()) + "]";
         const Section part(item, place, {"id", "cameras", "ip", "subnet_mask", "mac"});

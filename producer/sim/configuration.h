@@ -9,6 +9,7 @@
 #include "camera/camera.h"
 #include "camera_state.h"
 #include "network.h"
+#include "simulation.h"
 
 namespace kivsim {
 
@@ -18,6 +19,7 @@ struct CameraEntry {
     std::string unplug_file;          ///< while this file exists the camera is gone; empty: never
     double megabytes_per_second = 0;  ///< speed of the link; 0: a frame arrives at once
     NetworkPort network;              ///< of a GigE Vision camera when it is switched on
+    SimulationValues simulation;      ///< of its registers, whenever it is opened
     std::shared_ptr<CameraState> state;
 };
 
@@ -31,6 +33,7 @@ struct Configuration {
     std::string tl_type;
     std::filesystem::path state_folder;  ///< where cameras keep their registers and locks
     std::vector<InterfaceEntry> interfaces;
+    std::shared_ptr<EntryFaults> faults = std::make_shared<EntryFaults>();  ///< of all calls, whatever camera they are about
 };
 
 /// Reads the environment. Throws std::runtime_error that names the file and what is wrong in it.

@@ -3,11 +3,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kivsim {
 
@@ -18,7 +18,7 @@ using nlohmann::json;
 /// A JSON object that knows its place in the file, for messages, and what may stand in it.
 class Section {
 public:
-    Section(const json& object, std::string place, std::initializer_list<std::string_view> keys)
+    Section(const json& object, std::string place, const std::vector<std::string_view>& keys)
         : object_(object), place_(std::move(place)) {
         if (!object.is_object()) refuse(place_ + " is no object");
         for (const auto& [key, value] : object.items())

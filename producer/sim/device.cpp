@@ -84,8 +84,11 @@ Device::Device(Session& session, Interface& parent, const CameraEntry& entry, Ge
     if (flavour.gige) ListNetworkFeatures();
     ListStreamFeatures();
     FinishFeatures();
+    if (!ReadOnly()) reset_simulation(camera_, entry_.simulation);
+    ReadEventSettings();
     camera_.SetEventSink([this](const CameraEvent& event) { Tell(event); });
-    Events().OnRegister([this] { StartEvents(); });
+    Events().BelongTo(Faults());
+    Events().OnRegister([this](EventQueue& registered) { StartEvents(registered); });
 }
 
 Device::~Device() { StopEvents(); }
@@ -123,7 +126,7 @@ void Device::ListFeatures() {
         return ReadOnly() ? GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY : GenTL::DEVICE_ACCESS_STATUS_OPEN_READWRITE;
     });
     features_.Integer("DeviceTimestampFrequency", "Ticks per second of the device's clock", [] { return 1'000'000'000; });
-    features_.Enumeration("DeviceChunkDataFormat", "Layout of chunk data", {"None"}, [] { return 0; });
+    features_.Enumeration("DeviceChunkDataFormat", "Layout of chunk data", {"GigEVision"}, [] { return 0; });
     features_.Enumeration("DeviceEventDataFormat", "Layout of the device's events", {"GigEVision", "GigEVisionExtendedId"},
                           [this] { return ExtendedIds() ? 1 : 0; });
 }
@@ -197,7 +200,23 @@ bool Device::ExtendedIds() {
     return extended != 0;
 }
 
-void Device::StartEvents() {
+void Device::ReadEventSettings() {
+    const auto value = [this](Reg reg) {
+        uint32_t number = 0;
+        camera_.Read(row_of(reg).address, &number, sizeof number);
+        return number;
+    };
+    event_copies_ = value(Reg::FaultEventCopies);
+    record_size_ = value(Reg::EventRecordSize);
+}
+
+void Device::RegistersWritten(uint64_t address, size_t size) {
+    simulation_written(camera_, *entry_.state, address, size);
+    if (address < row_of(Reg::FaultEntryClear).End()) ReadEventSettings();
+}
+
+void Device::StartEvents(EventQueue& registered) {
+    if (registered.Type() == event_kind::record) registered.SetLargest(record_size_);
     // With the lock of the tree, as Close: never two at once.
     if (!events_.joinable() && !closing_) events_ = std::thread([this] { RunEvents(); });
 }
@@ -218,12 +237,14 @@ void Device::Tell(const CameraEvent& event) {
     ++events_told_;
     const auto request_id = static_cast<uint16_t>((events_told_ - 1) % 0xFFFF + 1);  // never 0
     const std::string message = event_message(event, request_id);
-    Events().Fire(GenTL::EVENT_REMOTE_DEVICE, message);
-    if (!flavour.gige) return;
     const uint32_t number = event.id;
-    Events().Fire(event_kind::message, message);
-    Events().Fire(event_kind::record, event_record(event, message, events_told_));
-    Events().Fire(event_kind::number, {reinterpret_cast<const char*>(&number), sizeof number});
+    for (uint32_t copy = 0; copy <= event_copies_; ++copy) {
+        Events().Fire(GenTL::EVENT_REMOTE_DEVICE, message);
+        if (!flavour.gige) continue;
+        Events().Fire(event_kind::message, message);
+        Events().Fire(event_kind::record, event_record(event, message, events_told_, record_size_));
+        Events().Fire(event_kind::number, {reinterpret_cast<const char*>(&number), sizeof number});
+    }
 }
 
 bool Device::Vanished() {

@@ -38,6 +38,9 @@ public:
 
     void Close();
 
+    /// To be called after a write to the camera's registers: some mean something to the producer.
+    void RegistersWritten(uint64_t address, size_t size);
+
     /// The camera; throws IO once it has vanished, for good: a camera that comes back must be opened anew. Needs no lock.
     Camera& Present();
     /// The same without asking whether it is there.
@@ -46,14 +49,16 @@ public:
     bool Vanished();
 
     PortIdentity Identity() override;
+    EntryFaults* Faults() override { return &entry_.state->Faults(); }
 
 private:
     void ListFeatures();
     void ListNetworkFeatures();
     /// A thread that lets the camera's events happen and looks whether the camera is there, as soon as somebody waits for either.
-    void StartEvents();
+    void StartEvents(EventQueue& registered);
     void RunEvents();
     void StopEvents();
+    void ReadEventSettings();
     void Tell(const CameraEvent& event);
     bool ExtendedIds();
     void ListStreamFeatures();
@@ -69,24 +74,27 @@ private:
     std::shared_ptr<Stream> stream_;
     int64_t selected_ = 0;
     std::atomic<bool> closing_{false};
-    uint32_t events_told_ = 0;  ///< under the lock of the camera
+    uint32_t events_told_ = 0;                                ///< under the lock of the camera
+    std::atomic<uint32_t> event_copies_{0}, record_size_{0};  ///< registers that Tell must not read
     std::thread events_;
 };
 
 /// The registers of the camera. Its calls need no lock: the camera has its own, and a slow one delays nobody else.
 class RemotePort : public Object, public Port {
 public:
-    explicit RemotePort(const std::shared_ptr<Device>& device) : device_(device) {}
+    explicit RemotePort(const std::shared_ptr<Device>& device) : device_(device), faults_(device->Faults()) {}
 
     void Read(uint64_t address, std::span<std::byte> out) override;
     void Write(uint64_t address, std::span<const std::byte> in) override;
     PortIdentity Identity() override;
     DescriptionInfo Description() override;
+    EntryFaults* Faults() override { return faults_; }
 
 private:
     std::shared_ptr<Device> Owner() const;
 
     std::weak_ptr<Device> device_;  // a call may be under way while another thread closes the device
+    EntryFaults* const faults_;     // the configuration's, which outlives every call
 };
 
 /// What the camera's own registers say, read without opening it.

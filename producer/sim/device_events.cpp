@@ -72,11 +72,11 @@ std::string event_message(const CameraEvent& event, uint16_t request_id) {
     return message.Add(event.timestamp_ns).Add(event.frame_id).Take();
 }
 
-std::string event_record(const CameraEvent& event, std::string_view message, uint32_t sequence) {
-    std::string record(least_record, '\0');
-    const auto size = static_cast<uint32_t>(message.size());
+std::string event_record(const CameraEvent& event, std::string_view message, uint32_t sequence, size_t size) {
+    std::string record(std::max(size, least_record), '\0');
+    const auto used = static_cast<uint32_t>(message.size());
     std::memcpy(record.data(), &sequence, sizeof sequence);
-    std::memcpy(record.data() + 4, &size, sizeof size);
+    std::memcpy(record.data() + 4, &used, sizeof used);
     std::memcpy(record.data() + 8, &event.timestamp_ns, sizeof event.timestamp_ns);
     message.copy(record.data() + record_header, record.size() - record_header);
     return record;

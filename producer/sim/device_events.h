@@ -4,8 +4,8 @@
 ///     EVENT_REMOTE_DEVICE, 1000   the message as it stands on the wire, big endian: 0x42, flags, 0x00C2, length, request id;
 ///     then
 ///                                 size, event id, channel, block id, time stamp, and as data the frame id in 8 bytes
-///     1001                        a record of 556 bytes: how many the device has sent, bytes of the message (4 bytes each),
-///     device
+///     1001                        a record of 556 bytes, or as many as the camera was asked for: how many the device has sent,
+///     bytes of the message (4 bytes each), device
 ///                                 time (8), then the message, filled up with zeros; numbers as the machine has them
 ///     1004                        the event id in 4 bytes
 #pragma once
@@ -28,7 +28,7 @@ constexpr size_t largest_message = 548;  ///< that a device may send
 constexpr size_t least_record = 556;
 
 std::string event_message(const CameraEvent& event, uint16_t request_id);
-std::string event_record(const CameraEvent& event, std::string_view message, uint32_t sequence);
+std::string event_record(const CameraEvent& event, std::string_view message, uint32_t sequence, size_t size);
 
 /// Takes apart what stands in a queue of that kind. Throws INVALID_PARAMETER when it is none of it.
 Info device_event_info(GenTL::EVENT_TYPE kind, std::string_view data, GenTL::EVENT_DATA_INFO_CMD command);

@@ -169,9 +169,9 @@ Info EventQueue::GetInfo(GenTL::EVENT_INFO_CMD command) const {
         case GenTL::EVENT_NUM_FIRED:
             return Info::Uint64(fired_);
         case GenTL::EVENT_SIZE_MAX:
-            return Info::Size(data_size(type_));
+            return Info::Size(std::max(data_size(type_), largest_.load()));
         case GenTL::EVENT_INFO_DATA_SIZE_MAX:
-            return Info::Size(largest_data_info(type_));
+            return Info::Size(std::max(largest_data_info(type_), largest_.load()));
         default:
             fail_unknown_command("EventGetInfo", command);
     }

@@ -4,6 +4,7 @@
 /// entry out takes the buffer out of the output queue in the same step.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <memory>
@@ -27,7 +28,11 @@ EventEntry error_entry(GC_ERROR code, std::string_view text);
 
 class EventQueue : public Object {
 public:
-    explicit EventQueue(GenTL::EVENT_TYPE type) : type_(type) {}
+    explicit EventQueue(GenTL::EVENT_TYPE type, EntryFaults* faults = nullptr) : type_(type), faults_(faults) {}
+
+    EntryFaults* Faults() override { return faults_; }
+    /// Most bytes that an entry has, where it is more than the type says. Before the handle is known to anybody.
+    void SetLargest(size_t size) noexcept { largest_ = size; }
 
     GenTL::EVENT_TYPE Type() const noexcept { return type_; }
 
@@ -54,6 +59,8 @@ private:
     bool WaitForEntry(std::unique_lock<std::mutex>& guard, uint64_t timeout_ms);
 
     const GenTL::EVENT_TYPE type_;
+    EntryFaults* const faults_;
+    std::atomic<size_t> largest_{0};
     mutable std::mutex lock_;
     std::condition_variable changed_;
     std::deque<EventEntry> entries_;

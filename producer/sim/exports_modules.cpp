@@ -22,7 +22,7 @@ const std::string& at(const std::vector<std::string>& ids, uint32_t index) {
 extern "C" {
 
 GC_API TLOpen(TL_HANDLE* phTL) {
-    return guarded([&] {
+    return guarded(__func__, nullptr, [&] {
         const auto session = current_session();
         const std::scoped_lock guard(session->tree);
         TL_HANDLE& handle = mandatory(phTL, "phTL");
@@ -31,25 +31,25 @@ GC_API TLOpen(TL_HANDLE* phTL) {
 }
 
 GC_API TLClose(TL_HANDLE hTL) {
-    return guarded([&] { Locked<System>(hTL)->Close(); });
+    return guarded(__func__, hTL, [&] { Locked<System>(hTL)->Close(); });
 }
 
 GC_API TLGetInfo(TL_HANDLE hTL, TL_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hTL, [&] {
         const Found<System> system(hTL);
         write_info(system_info(system.InSession(), iInfoCmd), piType, pBuffer, piSize);
     });
 }
 
 GC_API TLGetNumInterfaces(TL_HANDLE hTL, uint32_t* piNumIfaces) {
-    return guarded([&] {
+    return guarded(__func__, hTL, [&] {
         const Locked<System> system(hTL);
         mandatory(piNumIfaces, "piNumIfaces") = static_cast<uint32_t>(system->InterfaceIds().size());
     });
 }
 
 GC_API TLGetInterfaceID(TL_HANDLE hTL, uint32_t iIndex, char* sID, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hTL, [&] {
         const Locked<System> system(hTL);
         write_text(at(system->InterfaceIds(), iIndex), sID, piSize);
     });
@@ -57,7 +57,7 @@ GC_API TLGetInterfaceID(TL_HANDLE hTL, uint32_t iIndex, char* sID, size_t* piSiz
 
 GC_API TLGetInterfaceInfo(TL_HANDLE hTL, const char* sIfaceID, INTERFACE_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer,
                           size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hTL, [&] {
         const Locked<System> system(hTL);
         const auto id = mandatory_text(sIfaceID, "sIfaceID");
         write_info(system->InterfaceInfo(id, iInfoCmd), piType, pBuffer, piSize);
@@ -65,7 +65,7 @@ GC_API TLGetInterfaceInfo(TL_HANDLE hTL, const char* sIfaceID, INTERFACE_INFO_CM
 }
 
 GC_API TLOpenInterface(TL_HANDLE hTL, const char* sIfaceID, IF_HANDLE* phIface) {
-    return guarded([&] {
+    return guarded(__func__, hTL, [&] {
         const Locked<System> system(hTL);
         const auto id = mandatory_text(sIfaceID, "sIfaceID");
         IF_HANDLE& handle = mandatory(phIface, "phIface");
@@ -74,7 +74,7 @@ GC_API TLOpenInterface(TL_HANDLE hTL, const char* sIfaceID, IF_HANDLE* phIface) 
 }
 
 GC_API TLUpdateInterfaceList(TL_HANDLE hTL, bool8_t* pbChanged, uint64_t) {
-    return guarded([&] {
+    return guarded(__func__, hTL, [&] {
         const Locked<System> system(hTL);
         check_pointer(pbChanged, "pbChanged", true);
         const bool changed = system->UpdateInterfaceList();
@@ -83,29 +83,29 @@ GC_API TLUpdateInterfaceList(TL_HANDLE hTL, bool8_t* pbChanged, uint64_t) {
 }
 
 GC_API IFClose(IF_HANDLE hIface) {
-    return guarded([&] { Locked<Interface>(hIface)->Close(); });
+    return guarded(__func__, hIface, [&] { Locked<Interface>(hIface)->Close(); });
 }
 
 GC_API IFGetInfo(IF_HANDLE hIface, INTERFACE_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
-    return guarded([&] { write_info(Locked<Interface>(hIface)->GetInfo(iInfoCmd), piType, pBuffer, piSize); });
+    return guarded(__func__, hIface, [&] { write_info(Locked<Interface>(hIface)->GetInfo(iInfoCmd), piType, pBuffer, piSize); });
 }
 
 GC_API IFGetNumDevices(IF_HANDLE hIface, uint32_t* piNumDevices) {
-    return guarded([&] {
+    return guarded(__func__, hIface, [&] {
         const Locked<Interface> interface(hIface);
         mandatory(piNumDevices, "piNumDevices") = static_cast<uint32_t>(interface->DeviceIds().size());
     });
 }
 
 GC_API IFGetDeviceID(IF_HANDLE hIface, uint32_t iIndex, char* sIDeviceID, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hIface, [&] {
         const Locked<Interface> interface(hIface);
         write_text(at(interface->DeviceIds(), iIndex), sIDeviceID, piSize);
     });
 }
 
 GC_API IFUpdateDeviceList(IF_HANDLE hIface, bool8_t* pbChanged, uint64_t) {
-    return guarded([&] {
+    return guarded(__func__, hIface, [&] {
         const Locked<Interface> interface(hIface);
         check_pointer(pbChanged, "pbChanged", true);
         const bool changed = interface->UpdateDeviceList();
@@ -115,52 +115,54 @@ GC_API IFUpdateDeviceList(IF_HANDLE hIface, bool8_t* pbChanged, uint64_t) {
 
 GC_API IFGetDeviceInfo(IF_HANDLE hIface, const char* sDeviceID, DEVICE_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer,
                        size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hIface, [&] {
         const Locked<Interface> interface(hIface);
         const auto id = mandatory_text(sDeviceID, "sDeviceID");
+        interface->MeetFaults("IFGetDeviceInfo", id);
         write_info(interface->DeviceInfo(id, iInfoCmd), piType, pBuffer, piSize);
     });
 }
 
 GC_API IFOpenDevice(IF_HANDLE hIface, const char* sDeviceID, DEVICE_ACCESS_FLAGS iOpenFlags, DEV_HANDLE* phDevice) {
-    return guarded([&] {
+    return guarded(__func__, hIface, [&] {
         const Locked<Interface> interface(hIface);
         const auto id = mandatory_text(sDeviceID, "sDeviceID");
         DEV_HANDLE& handle = mandatory(phDevice, "phDevice");
+        interface->MeetFaults("IFOpenDevice", id);
         handle = interface->OpenDevice(id, iOpenFlags)->Handle();
     });
 }
 
 GC_API IFGetParentTL(IF_HANDLE hIface, TL_HANDLE* phSystem) {
-    return guarded([&] {
+    return guarded(__func__, hIface, [&] {
         const Locked<Interface> interface(hIface);
         mandatory(phSystem, "phSystem") = interface->Parent().Handle();
     });
 }
 
 GC_API DevGetPort(DEV_HANDLE hDevice, PORT_HANDLE* phRemoteDevice) {
-    return guarded([&] {
+    return guarded(__func__, hDevice, [&] {
         const Locked<Device> device(hDevice);
         mandatory(phRemoteDevice, "phRemoteDevice") = device->Remote()->Handle();
     });
 }
 
 GC_API DevGetNumDataStreams(DEV_HANDLE hDevice, uint32_t* piNumDataStreams) {
-    return guarded([&] {
+    return guarded(__func__, hDevice, [&] {
         const Locked<Device> device(hDevice);
         mandatory(piNumDataStreams, "piNumDataStreams") = 1;
     });
 }
 
 GC_API DevGetDataStreamID(DEV_HANDLE hDevice, uint32_t iIndex, char* sDataStreamID, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hDevice, [&] {
         const Locked<Device> device(hDevice);
         write_text(at({device->StreamId()}, iIndex), sDataStreamID, piSize);
     });
 }
 
 GC_API DevOpenDataStream(DEV_HANDLE hDevice, const char* sDataStreamID, DS_HANDLE* phDataStream) {
-    return guarded([&] {
+    return guarded(__func__, hDevice, [&] {
         const Locked<Device> device(hDevice);
         const auto id = mandatory_text(sDataStreamID, "sDataStreamID");
         DS_HANDLE& handle = mandatory(phDataStream, "phDataStream");
@@ -169,15 +171,15 @@ GC_API DevOpenDataStream(DEV_HANDLE hDevice, const char* sDataStreamID, DS_HANDL
 }
 
 GC_API DevGetInfo(DEV_HANDLE hDevice, DEVICE_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
-    return guarded([&] { write_info(Locked<Device>(hDevice)->GetInfo(iInfoCmd), piType, pBuffer, piSize); });
+    return guarded(__func__, hDevice, [&] { write_info(Locked<Device>(hDevice)->GetInfo(iInfoCmd), piType, pBuffer, piSize); });
 }
 
 GC_API DevClose(DEV_HANDLE hDevice) {
-    return guarded([&] { Locked<Device>(hDevice)->Close(); });
+    return guarded(__func__, hDevice, [&] { Locked<Device>(hDevice)->Close(); });
 }
 
 GC_API DevGetParentIF(DEV_HANDLE hDevice, IF_HANDLE* phIface) {
-    return guarded([&] {
+    return guarded(__func__, hDevice, [&] {
         const Locked<Device> device(hDevice);
         mandatory(phIface, "phIface") = device->Parent().Handle();
     });

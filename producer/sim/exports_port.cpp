@@ -50,7 +50,7 @@ void stacked(PORT_REGISTER_STACK_ENTRY* entries, size_t* count, Work work) {
 extern "C" {
 
 GC_API GCReadPort(PORT_HANDLE hPort, uint64_t iAddress, void* pBuffer, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hPort, [&] {
         with_port(hPort, [&](Port& port) {
             auto& first = mandatory(static_cast<std::byte*>(pBuffer), "pBuffer");
             size_t& size = mandatory(piSize, "piSize");
@@ -60,7 +60,7 @@ GC_API GCReadPort(PORT_HANDLE hPort, uint64_t iAddress, void* pBuffer, size_t* p
 }
 
 GC_API GCWritePort(PORT_HANDLE hPort, uint64_t iAddress, const void* pBuffer, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hPort, [&] {
         with_port(hPort, [&](Port& port) {
             auto& first = mandatory(static_cast<const std::byte*>(pBuffer), "pBuffer");
             size_t& size = mandatory(piSize, "piSize");
@@ -70,7 +70,7 @@ GC_API GCWritePort(PORT_HANDLE hPort, uint64_t iAddress, const void* pBuffer, si
 }
 
 GC_API GCReadPortStacked(PORT_HANDLE hPort, PORT_REGISTER_STACK_ENTRY* pEntries, size_t* piNumEntries) {
-    return guarded([&] {
+    return guarded(__func__, hPort, [&] {
         with_port(hPort, [&](Port& port) {
             stacked(pEntries, piNumEntries, [&](uint64_t address, std::span<std::byte> bytes) { port.Read(address, bytes); });
         });
@@ -78,7 +78,7 @@ GC_API GCReadPortStacked(PORT_HANDLE hPort, PORT_REGISTER_STACK_ENTRY* pEntries,
 }
 
 GC_API GCWritePortStacked(PORT_HANDLE hPort, PORT_REGISTER_STACK_ENTRY* pEntries, size_t* piNumEntries) {
-    return guarded([&] {
+    return guarded(__func__, hPort, [&] {
         with_port(hPort, [&](Port& port) {
             stacked(pEntries, piNumEntries, [&](uint64_t address, std::span<std::byte> bytes) { port.Write(address, bytes); });
         });
@@ -86,7 +86,7 @@ GC_API GCWritePortStacked(PORT_HANDLE hPort, PORT_REGISTER_STACK_ENTRY* pEntries
 }
 
 GC_API GCGetPortURL(PORT_HANDLE hPort, char* sURL, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hPort, [&] {
         with_port(hPort, [&](Port& port) {
             write_text(port.Description().url + '\0', sURL, piSize);  // a list: one more terminator ends it
         });
@@ -94,12 +94,12 @@ GC_API GCGetPortURL(PORT_HANDLE hPort, char* sURL, size_t* piSize) {
 }
 
 GC_API GCGetNumPortURLs(PORT_HANDLE hPort, uint32_t* piNumURLs) {
-    return guarded([&] { with_port(hPort, [&](Port&) { mandatory(piNumURLs, "piNumURLs") = 1; }); });
+    return guarded(__func__, hPort, [&] { with_port(hPort, [&](Port&) { mandatory(piNumURLs, "piNumURLs") = 1; }); });
 }
 
 GC_API GCGetPortURLInfo(PORT_HANDLE hPort, uint32_t iURLIndex, URL_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer,
                         size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hPort, [&] {
         with_port(hPort, [&](Port& port) {
             if (iURLIndex != 0) fail(GC_ERR_INVALID_INDEX, "There is one URL, not one of index " + std::to_string(iURLIndex));
             write_info(url_info(port.Description(), iInfoCmd), piType, pBuffer, piSize);
@@ -108,7 +108,7 @@ GC_API GCGetPortURLInfo(PORT_HANDLE hPort, uint32_t iURLIndex, URL_INFO_CMD iInf
 }
 
 GC_API GCGetPortInfo(PORT_HANDLE hPort, PORT_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hPort, [&] {
         with_port(hPort, [&](Port& port) { write_info(port_info(port.Identity(), iInfoCmd), piType, pBuffer, piSize); });
     });
 }

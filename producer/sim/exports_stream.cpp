@@ -1,5 +1,7 @@
 // The exported functions of data streams and buffers. No decision is taken here.
 
+#include <algorithm>
+
 #include "session.h"
 #include "stream.h"
 
@@ -28,7 +30,7 @@ private:
 extern "C" {
 
 GC_API DSAnnounceBuffer(DS_HANDLE hDataStream, void* pBuffer, size_t iSize, void* pPrivate, BUFFER_HANDLE* phBuffer) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const Found<Stream> stream(hDataStream);
         check_pointer(pBuffer, "pBuffer", false);
         BUFFER_HANDLE& handle = mandatory(phBuffer, "phBuffer");
@@ -37,7 +39,7 @@ GC_API DSAnnounceBuffer(DS_HANDLE hDataStream, void* pBuffer, size_t iSize, void
 }
 
 GC_API DSAllocAndAnnounceBuffer(DS_HANDLE hDataStream, size_t iSize, void* pPrivate, BUFFER_HANDLE* phBuffer) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const Found<Stream> stream(hDataStream);
         BUFFER_HANDLE& handle = mandatory(phBuffer, "phBuffer");
         handle = stream->Announce(nullptr, iSize, pPrivate)->Handle();
@@ -45,23 +47,24 @@ GC_API DSAllocAndAnnounceBuffer(DS_HANDLE hDataStream, size_t iSize, void* pPriv
 }
 
 GC_API DSFlushQueue(DS_HANDLE hDataStream, ACQ_QUEUE_TYPE iOperation) {
-    return guarded([&] { Found<Stream>(hDataStream)->Flush(iOperation); });
+    return guarded(__func__, hDataStream, [&] { Found<Stream>(hDataStream)->Flush(iOperation); });
 }
 
 GC_API DSStartAcquisition(DS_HANDLE hDataStream, ACQ_START_FLAGS iStartFlags, uint64_t iNumToAcquire) {
-    return guarded([&] { Found<Stream>(hDataStream)->Start(iStartFlags, iNumToAcquire); });
+    return guarded(__func__, hDataStream, [&] { Found<Stream>(hDataStream)->Start(iStartFlags, iNumToAcquire); });
 }
 
 GC_API DSStopAcquisition(DS_HANDLE hDataStream, ACQ_STOP_FLAGS iStopFlags) {
-    return guarded([&] { Found<Stream>(hDataStream)->Stop(iStopFlags); });
+    return guarded(__func__, hDataStream, [&] { Found<Stream>(hDataStream)->Stop(iStopFlags); });
 }
 
 GC_API DSGetInfo(DS_HANDLE hDataStream, STREAM_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void* pBuffer, size_t* piSize) {
-    return guarded([&] { write_info(Found<Stream>(hDataStream)->GetInfo(iInfoCmd), piType, pBuffer, piSize); });
+    return guarded(__func__, hDataStream,
+                   [&] { write_info(Found<Stream>(hDataStream)->GetInfo(iInfoCmd), piType, pBuffer, piSize); });
 }
 
 GC_API DSGetBufferID(DS_HANDLE hDataStream, uint32_t iIndex, BUFFER_HANDLE* phBuffer) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const Found<Stream> stream(hDataStream);
         BUFFER_HANDLE& handle = mandatory(phBuffer, "phBuffer");
         handle = stream->BufferAt(iIndex)->Handle();
@@ -69,11 +72,11 @@ GC_API DSGetBufferID(DS_HANDLE hDataStream, uint32_t iIndex, BUFFER_HANDLE* phBu
 }
 
 GC_API DSClose(DS_HANDLE hDataStream) {
-    return guarded([&] { Locked<Stream>(hDataStream)->Close(); });
+    return guarded(__func__, hDataStream, [&] { Locked<Stream>(hDataStream)->Close(); });
 }
 
 GC_API DSRevokeBuffer(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, void** pBuffer, void** pPrivate) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const StreamBuffer buffer(hDataStream, hBuffer);
         check_pointer(pBuffer, "pBuffer", true);
         check_pointer(pPrivate, "pPrivate", true);
@@ -84,7 +87,7 @@ GC_API DSRevokeBuffer(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, void** pBuff
 }
 
 GC_API DSQueueBuffer(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const StreamBuffer buffer(hDataStream, hBuffer);
         buffer.InStream().Queue(buffer.Shared());
     });
@@ -92,29 +95,35 @@ GC_API DSQueueBuffer(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer) {
 
 GC_API DSGetBufferInfo(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, BUFFER_INFO_CMD iInfoCmd, INFO_DATATYPE* piType,
                        void* pBuffer, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const StreamBuffer buffer(hDataStream, hBuffer);
         write_info(buffer.InStream().BufferInfo(buffer.Shared(), iInfoCmd), piType, pBuffer, piSize);
     });
 }
 
-GC_API DSGetBufferChunkData(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, SINGLE_CHUNK_DATA*, size_t* piNumChunks) {
-    return guarded([&] {
+GC_API DSGetBufferChunkData(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, SINGLE_CHUNK_DATA* pChunkData, size_t* piNumChunks) {
+    return guarded(__func__, hDataStream, [&] {
         const StreamBuffer buffer(hDataStream, hBuffer);
-        mandatory(piNumChunks, "piNumChunks");
-        fail(GC_ERR_NO_DATA, "The camera sends no chunks");
+        check_pointer(pChunkData, "pChunkData", true);
+        size_t& count = mandatory(piNumChunks, "piNumChunks");
+        const auto chunks = buffer.InStream().Chunks(buffer.Shared());
+        if (pChunkData && count < chunks.size())
+            fail(GC_ERR_BUFFER_TOO_SMALL,
+                 "There is room for " + std::to_string(count) + " of " + std::to_string(chunks.size()) + " chunks");
+        if (pChunkData) std::copy(chunks.begin(), chunks.end(), pChunkData);
+        count = chunks.size();
     });
 }
 
 GC_API DSGetParentDev(DS_HANDLE hDataStream, DEV_HANDLE* phDevice) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const Found<Stream> stream(hDataStream);
         mandatory(phDevice, "phDevice") = stream->Owner()->Handle();
     });
 }
 
 GC_API DSGetNumBufferParts(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint32_t* piNumParts) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const StreamBuffer buffer(hDataStream, hBuffer);
         mandatory(piNumParts, "piNumParts");
         fail(GC_ERR_NO_DATA, "An image has no parts");
@@ -123,7 +132,7 @@ GC_API DSGetNumBufferParts(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint32_
 
 GC_API DSGetBufferPartInfo(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint32_t, BUFFER_PART_INFO_CMD, INFO_DATATYPE* piType,
                            void*, size_t* piSize) {
-    return guarded([&] {
+    return guarded(__func__, hDataStream, [&] {
         const StreamBuffer buffer(hDataStream, hBuffer);
         mandatory(piType, "piType");
         mandatory(piSize, "piSize");

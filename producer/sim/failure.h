@@ -28,10 +28,15 @@ private:
 GC_ERROR status_of_current_exception() noexcept;
 GC_ERROR record_current_exception() noexcept;
 
-/// The body of every exported function but GCGetLastError, whose own failures are not remembered.
+/// Throws when that function was asked to fail for the camera behind the handle, or for all. Waits when it shall be late.
+void meet_faults(const char* entry, const void* handle);
+
+/// The body of every exported function but GCGetLastError, whose own failures are not remembered. `handle`: its first argument,
+/// when that is one.
 template <typename Body>
-GC_ERROR guarded(Body&& body) noexcept {
+GC_ERROR guarded(const char* entry, const void* handle, Body&& body) noexcept {
     try {
+        meet_faults(entry, handle);
         body();
         return GenTL::GC_ERR_SUCCESS;
     } catch (...) {

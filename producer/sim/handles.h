@@ -11,6 +11,8 @@
 
 namespace kivsim {
 
+class EntryFaults;
+
 /// Something that the consumer holds a handle of.
 class Object {
 public:
@@ -20,6 +22,8 @@ public:
     Object& operator=(const Object&) = delete;
 
     void* Handle() const noexcept { return handle_; }
+    /// What the functions of the producer were asked to do wrong with this object's camera; null when it belongs to none.
+    virtual EntryFaults* Faults() { return nullptr; }
 
 private:
     friend class HandleTable;

@@ -71,6 +71,10 @@ void Interface::ListDeviceFeatures() {
     features_.Integer("DeviceTLVersionMinor", "Version of the transport technology", [] { return 0; });
     if (flavour.gige) ListNetworkFeatures();
     features_.SelectedBy({});
+    features_.Category("SimulationControl");
+    features_.Command("SimulationPlugIn", "Plugs in again what was unplugged on demand", [this] {
+        for (const CameraEntry& entry : entry_.cameras) entry.state->PlugIn();
+    });
 }
 
 void Interface::ListNetworkFeatures() {
@@ -139,6 +143,10 @@ int32_t Interface::AccessStatus(const CameraEntry& entry) const {
 Info Interface::DeviceInfo(std::string_view id, GenTL::DEVICE_INFO_CMD command) {
     const CameraEntry& entry = Entry(id);
     return device_info(session_, entry, camera_identity(entry), AccessStatus(entry), command);
+}
+
+void Interface::MeetFaults(const char* entry, std::string_view id) const {
+    if (EntryFaults::Any()) Entry(id).state->Faults().Meet(entry);
 }
 
 std::shared_ptr<Device> Interface::OpenDevice(std::string_view id, GenTL::DEVICE_ACCESS_FLAGS access, uint32_t multicast) {

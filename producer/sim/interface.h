@@ -25,6 +25,8 @@ public:
     const std::vector<std::string>& DeviceIds() const { return published_; }
     Info DeviceInfo(std::string_view id, GenTL::DEVICE_INFO_CMD command);
     std::shared_ptr<Device> OpenDevice(std::string_view id, GenTL::DEVICE_ACCESS_FLAGS access, uint32_t multicast = 0);
+    /// For the functions that name a camera instead of having its handle.
+    void MeetFaults(const char* entry, std::string_view id) const;
     void DeviceClosed(const std::string& id) { open_.erase(id); }
 
     /// Whether UpdateDeviceList gives a camera whose address does not fit one that does.

@@ -48,11 +48,11 @@ std::shared_ptr<EventQueue> EventSource::Register(GenTL::EVENT_TYPE type) {
         const std::scoped_lock guard(lock_);
         auto& slot = registered_[type];
         if (slot) fail(GenTL::GC_ERR_RESOURCE_IN_USE, "Event type " + std::to_string(type) + " is registered already");
-        queue = slot = std::make_shared<EventQueue>(type);
+        queue = slot = std::make_shared<EventQueue>(type, faults_);
         if (disconnected_) slot->Disconnect();
         session_.handles.Add(slot);
     }
-    if (on_register_) on_register_();
+    if (on_register_) on_register_(*queue);
     return queue;
 }
 

@@ -37,8 +37,10 @@ public:
     void Disconnect();
     void Close();
 
-    /// Called after each Register. To be set before the first one.
-    void OnRegister(std::function<void()> call) { on_register_ = std::move(call); }
+    /// Which faults calls with a handle of these events meet. To be set before the first Register.
+    void BelongTo(EntryFaults* faults) { faults_ = faults; }
+    /// Called in each Register, before the handle is handed out. To be set before the first one.
+    void OnRegister(std::function<void(EventQueue&)> call) { on_register_ = std::move(call); }
 
     std::atomic<bool> notify_errors{true};  ///< EventNotification of the node map
 
@@ -47,7 +49,8 @@ private:
 
     Session& session_;
     const std::vector<GenTL::EVENT_TYPE> offered_;
-    std::function<void()> on_register_;
+    std::function<void(EventQueue&)> on_register_;
+    EntryFaults* faults_ = nullptr;
     mutable std::mutex lock_;
     std::map<GenTL::EVENT_TYPE, std::shared_ptr<EventQueue>> registered_;
     bool disconnected_ = false;

@@ -35,6 +35,7 @@ std::shared_ptr<Device> RemotePort::Owner() const {
 
 void RemotePort::Read(uint64_t address, std::span<std::byte> out) {
     const auto device = Owner();
+    meet_register_fault(device->Present(), *device->Entry().state, address, out.size());
     check(device->Present().Read(address, out.data(), out.size()), device->Entry().id, "read", address, out.size());
 }
 
@@ -42,7 +43,9 @@ void RemotePort::Write(uint64_t address, std::span<const std::byte> in) {
     const auto device = Owner();
     Camera& camera = device->Present();
     if (device->ReadOnly()) fail(GenTL::GC_ERR_ACCESS_DENIED, "Device " + device->Entry().id + " is opened for reading only");
+    meet_register_fault(camera, *device->Entry().state, address, in.size());
     check(camera.Write(address, in.data(), in.size()), device->Entry().id, "write", address, in.size());
+    device->RegistersWritten(address, in.size());
 }
 
 PortIdentity RemotePort::Identity() {

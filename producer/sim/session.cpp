@@ -36,8 +36,30 @@ Session::Session() {
     try {
         configuration = load_configuration();
     } catch (const std::exception& error) {
+        configuration = {};
         configuration_error = error.what();
     }
+}
+
+void Session::Release() {
+    configuration.faults->Release();
+    for (const InterfaceEntry& interface : configuration.interfaces)
+        for (const CameraEntry& entry : interface.cameras) entry.state->Faults().Release();
+}
+
+void meet_faults(const char* entry, const void* handle) {
+    if (!EntryFaults::Any()) return;
+    std::shared_ptr<Session> session;
+    {
+        Current& state = current();
+        const std::scoped_lock guard(state.lock);
+        session = state.session;
+    }
+    if (!session) return;
+    session->configuration.faults->Meet(entry);
+    if (!handle) return;
+    const auto object = session->handles.FindAny(handle);
+    if (auto* faults = object ? object->Faults() : nullptr) faults->Meet(entry);
 }
 
 void begin_session() {
@@ -55,6 +77,7 @@ void end_session() {
         if (!state.session) fail(GenTL::GC_ERR_NOT_INITIALIZED, "GCInitLib was not called");
         ended.swap(state.session);
     }
+    ended->Release();
     const std::scoped_lock guard(ended->tree);
     if (const auto system = ended->system) system->Close();
 }

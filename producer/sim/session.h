@@ -18,6 +18,9 @@ struct Session {
     Configuration configuration;
     std::string configuration_error;  ///< why TLOpen will fail; empty: it will not
 
+    /// Lets every delay end, those to come too.
+    void Release();
+
     HandleTable handles;
     std::recursive_mutex tree;  ///< guards the modules and who is open; see module.h
     std::shared_ptr<System> system;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "camera/chunk_data.h"
 #include "flavour.h"
 #include "session.h"
 
@@ -24,6 +25,7 @@ Stream::Stream(Session& session, std::shared_ptr<Device> device, uint32_t multic
     : Module(session, "StreamPort", "Stream", {GenTL::EVENT_ERROR, GenTL::EVENT_NEW_BUFFER}),
       device_(std::move(device)),
       parameters_(multicast) {
+    Events().BelongTo(Faults());
     ListFeatures();
     FinishFeatures();
     device_->Hardware().SetFramesFetched(true);
@@ -83,7 +85,10 @@ void Stream::CheckOwn(const std::shared_ptr<Buffer>& buffer) {
 std::shared_ptr<Buffer> Stream::Announce(void* memory, size_t size, void* user_pointer) {
     if (size == 0) fail(GenTL::GC_ERR_INVALID_PARAMETER, "A buffer of no bytes cannot be announced");
     auto buffer = std::make_shared<Buffer>(memory, size, user_pointer);
+    const uint32_t limit = device_->Hardware().Faults().announce_limit;
     const Guard guard = LockOpen();
+    if (limit != 0 && announced_.size() >= limit)
+        fail(GenTL::GC_ERR_RESOURCE_EXHAUSTED, "The stream takes no more than " + std::to_string(limit) + " buffers");
     for (const auto& other : announced_) {
         if (memory && other->Memory() == memory) fail(GenTL::GC_ERR_RESOURCE_IN_USE, "This memory is announced already");
         if (other->OwnsMemory() != buffer->OwnsMemory())
@@ -203,7 +208,7 @@ Info Stream::GetInfo(GenTL::STREAM_INFO_CMD command) {
         case GenTL::STREAM_INFO_NUM_STARTED:
             return Info::Uint64(fills_);
         case GenTL::STREAM_INFO_PAYLOAD_SIZE:
-            return Info::Size(device_->Hardware().PayloadSize());
+            return Info::Size(device_->Hardware().Faults().size.Of(SizeKind::Payload, device_->Hardware().PayloadSize()));
         case GenTL::STREAM_INFO_IS_GRABBING:
             return Info::Bool(grabbing_);
         case GenTL::STREAM_INFO_DEFINES_PAYLOADSIZE:
@@ -211,7 +216,7 @@ Info Stream::GetInfo(GenTL::STREAM_INFO_CMD command) {
         case GenTL::STREAM_INFO_TLTYPE:
             return Info::Text(session_.configuration.tl_type);
         case GenTL::STREAM_INFO_NUM_CHUNKS_MAX:
-            return Info::Size(0);
+            return Info::Size(kChunkKinds);
         case GenTL::STREAM_INFO_BUF_ANNOUNCE_MIN:
             return Info::Size(least_buffers);
         case GenTL::STREAM_INFO_BUF_ALIGNMENT:
@@ -219,6 +224,12 @@ Info Stream::GetInfo(GenTL::STREAM_INFO_CMD command) {
         default:
             fail_unknown_command("DSGetInfo", command);
     }
+}
+
+std::vector<GenTL::SINGLE_CHUNK_DATA> Stream::Chunks(const std::shared_ptr<Buffer>& buffer) {
+    const Guard guard = LockOpen();
+    RequireOwn(buffer);
+    return buffer->Chunks();
 }
 
 Info Stream::Parameter(int32_t parameter) {

@@ -39,6 +39,7 @@ public:
     Info GetInfo(GenTL::STREAM_INFO_CMD command);
     std::shared_ptr<Buffer> BufferAt(uint32_t index);
     Info BufferInfo(const std::shared_ptr<Buffer>& buffer, GenTL::BUFFER_INFO_CMD command);
+    std::vector<GenTL::SINGLE_CHUNK_DATA> Chunks(const std::shared_ptr<Buffer>& buffer);
     /// The transport behind a GigE Vision stream, by number. Throws NOT_IMPLEMENTED, ACCESS_DENIED, INVALID_VALUE.
     Info Parameter(int32_t parameter);
     void SetParameter(int32_t parameter, uint32_t value);
@@ -50,6 +51,7 @@ public:
     void Close();
 
     PortIdentity Identity() override;
+    EntryFaults* Faults() override { return device_->Faults(); }
 
 private:
     /// What becomes of the buffer that is being filled.
@@ -67,7 +69,10 @@ private:
     // the engine's thread
     void RunEngine();
     void TakeFrame();
-    Buffer::Content Fill(Buffer& buffer);
+    Buffer::Content Fill(Buffer& buffer, const FrameFaults& faults);
+    Buffer::Content FillWrongly(Buffer& buffer, const FrameFaults& faults);
+    void RememberFrame(Buffer& buffer, const Buffer::Content& content);
+    void UnplugAfter(const FrameFaults& faults);
     size_t Transfer(std::span<const std::byte> frame, std::span<std::byte> buffer);
     void EndFill(const std::shared_ptr<Buffer>& buffer, const Buffer::Content& content);
     void Deliver(const std::shared_ptr<Buffer>& buffer, const Buffer::Content& arrived);
@@ -85,6 +90,8 @@ private:
     StreamParameters parameters_;
     uint64_t wanted_ = 0, delivered_ = 0, lost_ = 0, fills_ = 0;
     std::vector<std::byte> line_buffer_;  ///< the frame on a slow link; the engine's alone
+    std::vector<std::byte> last_frame_;   ///< kept while frames are to be repeated or torn; the engine's alone
+    FrameInfo last_info_;                 ///< what it is
     std::thread engine_;
 };
 

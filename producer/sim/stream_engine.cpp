@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "camera_state.h"
 #include "kiv/platform/thread.h"
 #include "stream.h"
 
@@ -32,11 +33,13 @@ void Stream::RunEngine() {
 }
 
 void Stream::TakeFrame() {
+    const FrameFaults faults = device_->Hardware().Faults();
+    const bool dropped = FrameFaults::Hits(faults.drop_every, faults.next_frame);
     std::shared_ptr<Buffer> buffer;
     {
         const Guard guard(lock_);
-        if (grabbing_ && input_.empty()) ++lost_;
-        if (grabbing_ && !input_.empty()) {
+        if (grabbing_ && (dropped || input_.empty())) ++lost_;
+        if (grabbing_ && !dropped && !input_.empty()) {
             buffer = std::move(input_.front());
             input_.pop_front();
             buffer->SetPlace(Buffer::Place::Filling);
@@ -47,29 +50,70 @@ void Stream::TakeFrame() {
     }
     if (!buffer) {
         device_->Hardware().NextFrame({});
-        return;
+        return UnplugAfter(faults);
     }
     Buffer::Content content;
     try {
-        content = Fill(*buffer);
+        content = FillWrongly(*buffer, faults);
     } catch (const std::exception& error) {
         content.incomplete = true;
         Events().FireError(GenTL::GC_ERR_ERROR, error.what());
     }
     EndFill(buffer, content);
+    UnplugAfter(faults);
 }
 
-Buffer::Content Stream::Fill(Buffer& buffer) {
+void Stream::UnplugAfter(const FrameFaults& faults) {
+    CameraState& state = *device_->Entry().state;
+    if (faults.unplug_at_frame == 0 || faults.next_frame < faults.unplug_at_frame || !state.TakeUnplugging()) return;
+    state.Unplug(faults.return_after_ms != 0 ? std::optional(std::chrono::milliseconds(faults.return_after_ms)) : std::nullopt);
+    device_->Vanished();  // fires the error now, not when somebody looks
+}
+
+void Stream::RememberFrame(Buffer& buffer, const Buffer::Content& content) {
+    const auto bytes = buffer.Bytes().first(content.filled);
+    last_frame_.assign(bytes.begin(), bytes.end());
+    last_info_ = content.frame;
+}
+
+Buffer::Content Stream::FillWrongly(Buffer& buffer, const FrameFaults& faults) {
+    const bool has_last = faults.NeedsLastFrame() && !last_frame_.empty();
+    Buffer::Content content;
+    if (has_last && FrameFaults::Hits(faults.repeat_every, faults.next_frame)) {
+        device_->Hardware().NextFrame({});
+        content.frame = last_info_;
+        content.filled = std::min(last_frame_.size(), buffer.Bytes().size());
+        content.new_data = true;
+        std::copy_n(last_frame_.begin(), content.filled, buffer.Bytes().begin());
+    } else {
+        content = Fill(buffer, faults);
+        const size_t end = std::min({content.filled, content.frame.image_size, last_info_.image_size, last_frame_.size()});
+        const size_t half = std::min(content.frame.image_size / 2, end);
+        if (has_last && FrameFaults::Hits(faults.tear_every, faults.next_frame))
+            std::copy_n(last_frame_.begin() + static_cast<ptrdiff_t>(half), end - half, buffer.Bytes().begin() + half);
+        else if (faults.NeedsLastFrame())
+            RememberFrame(buffer, content);
+    }
+    content.wrong_size = faults.size;
+    return content;
+}
+
+Buffer::Content Stream::Fill(Buffer& buffer, const FrameFaults& faults) {
     Camera& camera = device_->Hardware();
     Buffer::Content content;
+    auto bytes = buffer.Bytes();
+    if (FrameFaults::Hits(faults.incomplete_every, faults.next_frame)) {
+        const size_t arrives = camera.PayloadSize() * faults.incomplete_percent / 100;
+        bytes = bytes.first(std::clamp<size_t>(arrives, 1, bytes.size()));
+    }
     if (device_->Entry().megabytes_per_second == 0) {
-        content.frame = camera.NextFrame(buffer.Bytes());
-        content.filled = std::min(content.frame.size, buffer.Bytes().size());
+        content.frame = camera.NextFrame(bytes);
+        content.filled = std::min(content.frame.size, bytes.size());
     } else {
         line_buffer_.resize(camera.PayloadSize());
         content.frame = camera.NextFrame(line_buffer_);
         line_buffer_.resize(std::min(content.frame.size, line_buffer_.size()));
-        content.filled = Transfer(line_buffer_, buffer.Bytes());
+        content.filled = Transfer(line_buffer_, bytes);
     }
     content.new_data = true;
     content.incomplete = content.filled < content.frame.size;

@@ -13,6 +13,7 @@
 #include "automatic.h"
 #include "camera_core.h"
 #include "description.h"
+#include "frame_cache.h"
 #include "kiv/platform/paths.h"
 #include "renderer.h"
 
@@ -59,6 +60,7 @@ struct Camera::Impl {
 
     std::mutex rendering;  ///< of the renderer: a frame takes long, and registers must not wait for it
     Renderer renderer;
+    FrameCache frames;
 };
 
 void Camera::Impl::OfferDescription() {
@@ -163,6 +165,24 @@ void Camera::RunEvents(std::chrono::milliseconds time) {
     }
 }
 
+FrameFaults Camera::Faults() const {
+    const std::lock_guard guard(impl_->lock);
+    const auto& registers = impl_->core.Registers();
+    const auto number = [&](Reg reg) { return static_cast<uint32_t>(registers.Uint(reg)); };
+    FrameFaults faults;
+    faults.next_frame = impl_->core.LastFrame() + 1;
+    faults.drop_every = number(Reg::FaultDropEvery);
+    faults.repeat_every = number(Reg::FaultRepeatEvery);
+    faults.tear_every = number(Reg::FaultTearEvery);
+    faults.incomplete_every = number(Reg::FaultIncompleteEvery);
+    faults.incomplete_percent = number(Reg::FaultIncompletePercent);
+    faults.size = {static_cast<WrongSize::How>(number(Reg::FaultSize)), static_cast<SizeKind>(number(Reg::FaultSizeOf))};
+    faults.announce_limit = number(Reg::FaultAnnounceLimit);
+    faults.unplug_at_frame = number(Reg::FaultUnplugAtFrame);
+    faults.return_after_ms = number(Reg::FaultReturnAfter);
+    return faults;
+}
+
 void Camera::SetEventSink(EventSink sink) {
     const std::lock_guard guard(impl_->lock);
     impl_->core.SetEventSink(std::move(sink));
@@ -186,6 +206,7 @@ FrameInfo Camera::NextFrame(std::span<std::byte> buffer) {
     const auto settings = read_image_settings(registers);
     const auto frame = impl_->core.TakeFrame(buffer.empty());
     FrameInfo info;
+    impl_->frames.Keep(registers.Uint(Reg::FrameCache));
     info.frame_id = frame.id;
     info.timestamp_ns = registers.DeviceTime(frame.start_ns);
     info.width = settings.width;
@@ -194,12 +215,23 @@ FrameInfo Camera::NextFrame(std::span<std::byte> buffer) {
     info.offset_y = settings.offset_y;
     info.pixel_format = settings.format->code;
     info.size = settings.PayloadSize();
+    info.image_size = settings.ImageSize();
+    info.chunk_layout = settings.chunks.LayoutId(info.image_size);
+    info.chunks_only = settings.chunks.payload_only;
     if (buffer.empty()) return info;
+    const auto tail = chunk_tail(settings.chunks, impl_->core.Chunks(settings, frame), info.image_size);
     guard.unlock();
 
-    const std::lock_guard one_at_a_time(impl_->rendering);
-    const auto seen =
-        impl_->renderer.Render(settings, frame.id, frame.start_ns, buffer.first(std::min(buffer.size(), info.size)));
+    const auto image = buffer.first(std::min(buffer.size(), info.image_size));
+    Brightness seen;
+    {
+        const std::lock_guard one_at_a_time(impl_->rendering);
+        seen = impl_->frames.Get(settings, frame.id, image, [&](std::span<std::byte> out) {
+            return impl_->renderer.Render(settings, frame.id, frame.start_ns, out);
+        });
+    }
+    const auto behind = buffer.subspan(image.size());
+    if (image.size() == info.image_size) std::copy_n(tail.begin(), std::min(tail.size(), behind.size()), behind.begin());
     guard.lock();
     adjust_automatic(registers, seen, settings);
     return info;

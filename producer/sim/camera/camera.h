@@ -18,6 +18,7 @@
 #include <string>
 
 #include "camera_events.h"
+#include "frame_faults.h"
 
 namespace kivsim {
 
@@ -44,7 +45,10 @@ struct FrameInfo {
     uint64_t timestamp_ns = 0;  ///< begin of the exposure, device time
     uint32_t width = 0, height = 0, offset_x = 0, offset_y = 0;
     uint32_t pixel_format = 0;  ///< PFNC code
-    size_t size = 0;            ///< bytes of the whole image, also when the buffer took fewer
+    size_t size = 0;            ///< bytes of image and chunks, also when the buffer took fewer
+    size_t image_size = 0;      ///< of these, bytes of the image
+    uint64_t chunk_layout = 0;  ///< changes when the chunks lie elsewhere; 0: there are none
+    bool chunks_only = false;   ///< nothing but the chunks tells what the payload is
 };
 
 class Camera {
@@ -65,7 +69,7 @@ public:
     /// Where the description is: "local:name.zip;addr;len", "local:name.xml;addr;len" or "file:///...".
     std::string Url() const;
 
-    /// Bytes of an image with the present settings.
+    /// Bytes of an image and its chunks with the present settings.
     size_t PayloadSize() const;
 
     enum class Wait { Frame, Timeout, Woken };
@@ -75,6 +79,9 @@ public:
     void Wake();
     /// Renders the frame that WaitForFrame announced, as much of it as fits. An empty span: the frame is lost, but counted.
     FrameInfo NextFrame(std::span<std::byte> buffer);
+
+    /// What shall go wrong with the next frame.
+    FrameFaults Faults() const;
 
     /// Who hears of events that EventNotification has switched on.
     void SetEventSink(EventSink sink);

@@ -209,6 +209,25 @@ uint64_t CameraCore::Lines() {
     return lines;
 }
 
+ChunkValues CameraCore::Chunks(const ImageSettings& settings, const FrameClock::Frame& frame) {
+    ChunkValues values;
+    values.offset_x = settings.offset_x;
+    values.offset_y = settings.offset_y;
+    values.width = settings.width;
+    values.height = settings.height;
+    values.pixel_format = settings.format->code;
+    values.line_pitch = static_cast<uint32_t>(settings.format->LinePitch(settings.width));
+    values.timestamp_ns = registers_.DeviceTime(frame.start_ns);
+    values.frame_id = frame.id;
+    values.exposure_us = settings.exposure_us;
+    values.gain_db = static_cast<double>(registers_.Uint(Reg::Gain, 0)) / 100;
+    values.black_level = settings.black_level;
+    if (settings.chunks.Has(ChunkKind::LineStatusAll)) values.lines = static_cast<uint32_t>(Lines());
+    for (uint32_t i = 0; i < values.counters.size(); ++i)
+        values.counters[i] = static_cast<uint32_t>(registers_.Uint(Reg::CounterValue, i));
+    return values;
+}
+
 // warms up within some minutes, and by another few degrees while it works
 void CameraCore::RefreshTemperatures() {
     const auto minutes = static_cast<double>(registers_.Now()) / 60e9;

@@ -28,6 +28,11 @@ public:
     /// The frame that is due, or one that begins now. `lost`: nobody has a buffer for it.
     FrameClock::Frame TakeFrame(bool lost);
 
+    /// The number of the frame that was taken last.
+    uint64_t LastFrame() const { return clock_.LastId(); }
+    /// What the chunks of a frame say.
+    ChunkValues Chunks(const ImageSettings& settings, const FrameClock::Frame& frame);
+
     void SetEventSink(EventSink sink) { sink_ = std::move(sink); }
     /// Tells of what began or passed up to now without anybody's doing: exposures, edges of the light barrier.
     void TellWhatHappened(uint64_t now);

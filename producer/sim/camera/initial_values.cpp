@@ -70,6 +70,7 @@ void write_sensor(Block& block, const CameraConfig& config) {
     block.Uint(Reg::Height, config.sensor_height);
     block.Uint(Reg::PixelFormat, config.color ? 0x01080009 : 0x01080001);
     block.Float(Reg::FrameRate, std::min(row_of(Reg::FrameRate).initial, std::floor(config.max_frame_rate * 100) / 100));
+    block.Uint(Reg::ChunkEnable, 1, 0);  // the image
     block.Uint(Reg::ExposureAutoLimits, 500, 0);
     block.Uint(Reg::ExposureAutoLimits, 300'000, 1);
     for (uint32_t table = 0, i = 0; table < 4; ++table)

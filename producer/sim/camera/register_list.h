@@ -148,6 +148,36 @@
     X(EventNotification,       0x20A00, Uint,  4,  7, RW, kUserSet,             0, 0, 2) \
     X(EventTestGenerate,       0x20A20, Uint,  4,  1, WO, kCommand,             0, 0, 1) \
     X(ExtendedIds,             0x20A24, Uint,  4,  1, RW, kUserSet,             0, 0, 1) \
+    /* chunks, by ChunkSelector: see chunk_data.h */ \
+    X(ChunkModeActive,         0x20B00, Uint,  4,  1, RW, kUserSet | kFormat,   0, 0, 1) \
+    X(ChunkPayloadOnly,        0x20B04, Uint,  4,  1, RW, kUserSet | kFormat,   0, 0, 1) \
+    X(ChunkEnable,             0x20B08, Uint,  4, 14, RW, kUserSet | kFormat,   0, 0, 1) \
+    /* what the simulation is asked to do, and to do wrong; set anew whenever the camera is opened for writing */ \
+    X(FrameCache,              0x20C00, Uint,  4,  1, RW, 0,                    0, 0, 64) \
+    X(FaultDropEvery,          0x20C04, Uint,  4,  1, RW, 0,                    0, 0, 1000000) \
+    X(FaultRepeatEvery,        0x20C08, Uint,  4,  1, RW, 0,                    0, 0, 1000000) \
+    X(FaultTearEvery,          0x20C0C, Uint,  4,  1, RW, 0,                    0, 0, 1000000) \
+    X(FaultIncompleteEvery,    0x20C10, Uint,  4,  1, RW, 0,                    0, 0, 1000000) \
+    X(FaultIncompletePercent,  0x20C14, Uint,  4,  1, RW, 0,                    50, 0, 99) \
+    X(FaultSize,               0x20C18, Uint,  4,  1, RW, 0,                    0, 0, 2) \
+    X(FaultSizeOf,             0x20C1C, Uint,  4,  1, RW, 0,                    0, 0, 4) \
+    X(FaultAnnounceLimit,      0x20C20, Uint,  4,  1, RW, 0,                    0, 0, 1000000) \
+    X(FaultEventCopies,        0x20C24, Uint,  4,  1, RW, 0,                    0, 0, 10000) \
+    X(EventRecordSize,         0x20C28, Uint,  4,  1, RW, 0,                    556, 556, 4096) \
+    X(FaultUnplugAtFrame,      0x20C2C, Uint,  4,  1, RW, 0,                    0, 0, 0xFFFFFFFF) \
+    X(FaultReturnAfter,        0x20C30, Uint,  4,  1, RW, 0,                    0, 0, 3600000) \
+    X(FaultUnplug,             0x20C34, Uint,  4,  1, WO, kCommand,             0, 0, 1) \
+    X(FaultRegisterAddress,    0x20C38, Uint,  8,  1, RW, 0,                    0, 0, 1e19) \
+    X(FaultRegisterStatus,     0x20C40, Uint,  4,  1, RW, 0,                    4294966285.0, 0, 0xFFFFFFFF) \
+    X(FaultRegisterDelay,      0x20C44, Uint,  4,  1, RW, 0,                    0, 0, 10000) \
+    X(FaultRegisterEnable,     0x20C48, Uint,  4,  1, RW, 0,                    0, 0, 1) \
+    X(FaultEntry,              0x20C50, Text, 64,  1, RW, 0,                    0, 0, 0) \
+    X(FaultEntryStatus,        0x20C90, Uint,  4,  1, RW, 0,                    4294966286.0, 0, 0xFFFFFFFF) \
+    X(FaultEntryFirstCall,     0x20C94, Uint,  4,  1, RW, 0,                    1, 1, 0xFFFFFFFF) \
+    X(FaultEntryCalls,         0x20C98, Uint,  4,  1, RW, 0,                    0, 0, 0xFFFFFFFF) \
+    X(FaultEntryDelay,         0x20C9C, Uint,  4,  1, RW, 0,                    0, 0, 10000) \
+    X(FaultEntryApply,         0x20CA0, Uint,  4,  1, WO, kCommand,             0, 0, 1) \
+    X(FaultEntryClear,         0x20CA4, Uint,  4,  1, WO, kCommand,             0, 0, 1) \
     /* memory chip of the sensor module, big endian */ \
     X(ModuleMagic,             0x30000, Bytes, 4,  1, RO, kIdentity,            0, 0, 0) \
     X(ModulePixelPitch,        0x30004, Bytes, 4,  1, RO, kIdentity,            0, 0, 0) \

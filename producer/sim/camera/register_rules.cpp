@@ -53,6 +53,10 @@ bool takes_save(const RegisterFile& registers, uint32_t, uint64_t value) {
     return value == 0 || registers.Uint(Reg::UserSetSelector) != 0;  // factory settings stay what they are
 }
 
+bool takes_chunk_enable(const RegisterFile&, uint32_t index, uint64_t value) {
+    return index != 0 || value != 0;  // there is no payload without the image
+}
+
 struct Rule {
     Reg reg;
     bool (*takes)(const RegisterFile&, uint32_t index, uint64_t value);
@@ -66,6 +70,7 @@ constexpr Rule kRules[] = {
     {Reg::TriggerSource, takes_trigger_source},
     {Reg::LineSource, takes_line_source},
     {Reg::UserSetSave, takes_save},
+    {Reg::ChunkEnable, takes_chunk_enable},
 };
 
 void fit(RegisterFile& registers, Reg size, Reg offset, uint32_t largest) {

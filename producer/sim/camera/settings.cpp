@@ -32,6 +32,15 @@ void read_luts(const RegisterFile& registers, ImageSettings& settings) {
     std::memcpy(settings.luts.data(), registers.Bytes(Reg::Lut).data(), settings.luts.size() * sizeof(uint16_t));
 }
 
+ChunkSettings read_chunks(const RegisterFile& registers) {
+    ChunkSettings chunks;
+    chunks.active = registers.Uint(Reg::ChunkModeActive) != 0;
+    chunks.payload_only = chunks.active && registers.Uint(Reg::ChunkPayloadOnly) != 0;
+    for (uint32_t i = 1; i < kChunkKinds; ++i)
+        if (registers.Uint(Reg::ChunkEnable, i) != 0) chunks.enabled |= 1U << i;
+    return chunks;
+}
+
 uint32_t widest(uint32_t sensor, uint32_t binning) { return sensor / binning & ~3U; }
 uint32_t highest(uint32_t sensor, uint32_t binning) { return sensor / binning & ~1U; }
 
@@ -91,6 +100,7 @@ ImageSettings read_image_settings(const RegisterFile& registers) {
     settings.motion_blur = (flags & kBlurBit) != 0;
     read_gains(registers, settings);
     read_luts(registers, settings);
+    settings.chunks = read_chunks(registers);
     return settings;
 }
 

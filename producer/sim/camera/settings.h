@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "chunk_data.h"
 #include "pixel_format.h"
 #include "register_file.h"
 
@@ -46,7 +47,11 @@ struct ImageSettings {
     std::array<bool, 4> lut_enable{};  ///< luminance, red, green, blue
     std::vector<uint16_t> luts;        ///< four tables of 4096 values; empty when none is enabled
 
-    size_t PayloadSize() const { return format->LinePitch(width) * height; }
+    ChunkSettings chunks;
+
+    bool operator==(const ImageSettings&) const = default;
+    size_t ImageSize() const { return format->LinePitch(width) * height; }
+    size_t PayloadSize() const { return ImageSize() + chunks.TailSize(); }
 };
 
 struct TriggerSettings {

@@ -77,6 +77,11 @@ TEST_F(Configuration, SaysWhatIsWrongWithTheFile) {
     camera_mentions(R"({"serial": "1", "frame_rate": 0})", "frame_rate is not within");
     camera_mentions(R"({"serial": "1", "url": "http"})", "url is neither");
     camera_mentions(R"({"serial": "1"}, {"serial": "1"})", "exists twice");
+    camera_mentions(R"({"serial": "1", "faults": {"drop_evry": 1}})", "faults has an unknown key \"drop_evry\"");
+    camera_mentions(R"({"serial": "1", "faults": {"incomplete_percent": 100}})", "is not within 0 and 99");
+    camera_mentions(R"({"serial": "1", "faults": {"size": "huge"}})", "size cannot be huge");
+    camera_mentions(R"({"serial": "1", "faults": {"entries": [{"entry": "DSFly"}]}})", "no function \"DSFly\"");
+    mentions(R"({"faults": {"drop_every": 1}})", "faults has an unknown key");
 }
 
 TEST_F(Configuration, AFileThatIsMissingIsAnError) {
