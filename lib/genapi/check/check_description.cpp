@@ -35,11 +35,8 @@ uint32_t line_of_fault(const Model& model, const NodeModel& node, std::string_vi
 }
 
 const NodeModel* find(const Model& model, std::string_view name) {
-    if (const auto index = model.Find(name); index != none) return &model.nodes[index];
-    for (const auto& node : model.nodes)  // an entry, whose node has a longer name
-        if (node.owner != none && name == "EnumEntry_" + std::string(model.nodes[node.owner].name) + "_" + std::string(node.name))
-            return &node;
-    return nullptr;
+    const auto index = model.FindInMap(name);
+    return index == none ? nullptr : &model.nodes[index];
 }
 
 /// What the engine itself could not make sense of. The other checks may have told it already, and better.

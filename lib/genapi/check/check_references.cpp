@@ -72,7 +72,7 @@ private:
             const auto& node = model_.nodes[i];
             hasPort |= node.kind == Element::Port && has_word(ports, node.name);
             if (isNamed_[i] || node.owner != none || i == root || node.name.empty() || node.kind == Element::StructReg) continue;
-            if (node.kind == Element::Port || std::count(model_.duplicates.begin(), model_.duplicates.end(), i)) continue;
+            if (node.kind == Element::Port || model_.duplicates.contains(i)) continue;
             if (node.kind == Element::Category)
                 findings_.Warn(model_.At(node).line, node.name, "No category lists this one; its features are not found.");
             else

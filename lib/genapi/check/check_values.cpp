@@ -136,8 +136,8 @@ private:
     void CheckEnumeration(const NodeModel& node) {
         std::map<std::string_view, uint32_t> names;
         std::map<int64_t, std::string_view> values;
-        for (const auto& entry : model_.nodes) {
-            if (entry.kind != Element::EnumEntry || entry.owner == none || &model_.nodes[entry.owner] != &node) continue;
+        for (const auto index : node.inner) {
+            const auto& entry = model_.nodes[index];
             const auto line = model_.At(entry).line;
             if (!names.emplace(entry.name, line).second)
                 findings_.Warn(line, node.name, "There are two entries " + quoted(entry.name) + "; the first one is found.");

@@ -19,32 +19,44 @@ Model::Model(const SourceTree& source) : tree(source), nodeOf_(source.elements.s
                              kind == Element::TextDesc || kind == Element::IntKey;
         if (isInner && nodes[owner].element == parent) AddNode(i, *kind, owner);
     }
-    // What an entry of a structured register does not say itself is what the register says.
+    // What an entry of a structured register does not say itself is what the register says. No sensible register comes near the
+    // bound; without one a hostile description could fill the memory.
+    size_t room = 4'000'000;
     for (auto& node : nodes) {
         if (node.kind != Element::StructEntry || node.owner == none) continue;
-        const auto own = node.children.size();
-        for (const auto child : nodes[node.owner].children) {
-            const auto name = At(child).name;
-            const bool isSaid = std::any_of(node.children.begin(), node.children.begin() + static_cast<ptrdiff_t>(own),
-                                            [&](uint32_t i) { return At(i).name == name; });
-            if (!isSaid && name != "StructEntry") node.children.push_back(child);
-        }
+        std::unordered_set<std::string_view> said{"StructEntry"};
+        for (const auto child : node.children) said.insert(At(child).name);
+        const auto& shared = nodes[node.owner].children;
+        if (shared.size() > room) return;
+        room -= shared.size();
+        for (const auto child : shared)
+            if (!said.contains(At(child).name)) node.children.push_back(child);
     }
 }
 
 void Model::AddNode(uint32_t element, Element kind, uint32_t owner) {
     const auto index = static_cast<uint32_t>(nodes.size());
     nodeOf_[element] = index;
-    nodes.push_back({tree.Attribute(At(element), "Name"), kind, element, owner, {}});
+    nodes.push_back({tree.Attribute(At(element), "Name"), kind, element, owner, {}, {}});
+    const auto name = nodes[index].name;
+    if (owner != none) nodes[owner].inner.push_back(index);
+    if (kind == Element::EnumEntry && owner != none)
+        entries_.emplace("EnumEntry_" + std::string(nodes[owner].name) + "_" + std::string(name), index);
     // Entries are known by their enumeration, a structured register by its entries.
     const bool isNamed = kind != Element::StructReg && !(kind == Element::EnumEntry && owner != none);
-    if (isNamed && !nodes[index].name.empty() && !byName_.emplace(nodes[index].name, index).second) duplicates.push_back(index);
+    if (isNamed && !name.empty() && !byName_.emplace(name, index).second) duplicates.insert(index);
 }
 
 uint32_t Model::Find(std::string_view name) const {
     if (name.starts_with("Std::") || name.starts_with("Cust::")) name.remove_prefix(name.find("::") + 2);
     const auto found = byName_.find(name);
     return found == byName_.end() ? none : found->second;
+}
+
+uint32_t Model::FindInMap(std::string_view name) const {
+    const auto found = entries_.find(std::string(name));
+    const auto plain = Find(name);
+    return plain == none && found != entries_.end() ? found->second : plain;
 }
 
 const SourceElement* Model::Child(const NodeModel& node, std::string_view name) const {
@@ -63,13 +75,11 @@ void Findings::Add(GenApi::EFindingSeverity severity, uint32_t line, std::string
         auto& [index, count] = repeated_.try_emplace(std::move(key), findings_.size(), 0).first->second;
         if (++count > 1) return;
     }
+    if (severity != GenApi::fsNote) lines_.insert(line);
     findings_.push_back({severity, line, node, text});
 }
 
-bool Findings::HasAt(uint32_t line) const {
-    return std::any_of(findings_.begin(), findings_.end(),
-                       [&](const auto& finding) { return finding.line == line && finding.severity != GenApi::fsNote; });
-}
+bool Findings::HasAt(uint32_t line) const { return lines_.contains(line); }
 
 std::vector<GenApi::DescriptionFinding> Findings::Sorted() {
     for (const auto& [key, place] : repeated_)

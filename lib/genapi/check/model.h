@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "GenApi/description_check.h"
@@ -21,6 +22,7 @@ struct NodeModel {
     uint32_t element = 0;            ///< in the source tree
     uint32_t owner = none;           ///< the node around this one: an enumeration, a register, a structured register
     std::vector<uint32_t> children;  ///< elements; those of a structured register count for its entries, too
+    std::vector<uint32_t> inner;     ///< the nodes that this one is the owner of
 };
 
 /// What a cycle is looked for in: for each node those that it leads to.
@@ -34,6 +36,8 @@ public:
 
     /// `none` when there is no such node.
     uint32_t Find(std::string_view name) const;
+    /// The same for the name that the node has in a map, where entries of enumerations have names of their own.
+    uint32_t FindInMap(std::string_view name) const;
     const SourceElement& At(uint32_t element) const { return tree.elements[element]; }
     const SourceElement& At(const NodeModel& node) const { return tree.elements[node.element]; }
     /// The first child of that name; null when there is none.
@@ -43,14 +47,15 @@ public:
 
     const SourceTree& tree;
     std::vector<NodeModel> nodes;
-    std::vector<uint32_t> duplicates;  ///< nodes that do not count, because another one had the name before
-    std::vector<uint32_t> strangers;   ///< elements where nodes are expected, which are none
+    std::unordered_set<uint32_t> duplicates;  ///< nodes that do not count, because another one had the name before
+    std::vector<uint32_t> strangers;          ///< elements where nodes are expected, which are none
 
 private:
     void AddNode(uint32_t element, Element kind, uint32_t owner);
 
     std::unordered_map<std::string_view, uint32_t> byName_;
-    std::vector<uint32_t> nodeOf_;  // by element
+    std::unordered_map<std::string, uint32_t> entries_;  // by the name in a map
+    std::vector<uint32_t> nodeOf_;                       // by element
 };
 
 class Findings {
@@ -66,6 +71,7 @@ public:
 
 private:
     std::vector<GenApi::DescriptionFinding> findings_;
+    std::unordered_set<int64_t> lines_;                                    // of findings worse than notes
     std::unordered_map<std::string, std::pair<size_t, size_t>> repeated_;  // key -> finding, count
 };
 
