@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "GenApi/description_check.h"
 #include "GenApi/i_node.h"
 #include "GenApi/i_node_map.h"
 #include "description_choices.h"
@@ -58,7 +59,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Dice dice(seed);
     std::unique_ptr<GenApi::INodeMap> map;
     try {
-        map = kiv::genapi::load_node_map(description_of({data, size}));
+        const auto description = description_of({data, size});
+        if (dice.Below(4) == 0) GenApi::CheckDescription(description);
+        map = kiv::genapi::load_node_map(description);
     } catch (const GenICam::RuntimeException&) {
         return 0;
     } catch (const kiv::archive::ArchiveError&) {
