@@ -12,9 +12,12 @@ using namespace GenApi;
 
 // ---- entries ----
 
+/// An entry that stands outside its enumeration may say by which name it is known inside.
 std::string_view EnumEntryNode::Symbolic() const {
     const auto& record = GetRecord();
-    return record.symbolic.empty() ? record.name : record.symbolic;
+    if (!record.symbolic.empty()) return record.symbolic;
+    const auto text = Text(Tag::Symbolic);
+    return text.empty() ? record.name : text;
 }
 
 void EnumEntryNode::SetText(std::string_view, bool) { throw GenICam::AccessException("Node is not writable.", Place()); }
