@@ -2,6 +2,11 @@
  *
  * The value calls by name always verify (range, access). Work that touches features raises K_ST_GC_ERROR with the GenICam error
  * record filled; K_ST_NO_DATA says that the camera has no node map.
+ *
+ * Threads. Any, on one camera or several. Calls on features of one camera come one after the other (node.h says what holds the
+ * lock); raw registers pass by that lock, so that only the producer orders them. Cameras do not wait for each other, nor for one
+ * that does not answer. Opening waits for a camera-list update that is under way; closing waits for the camera's own threads and
+ * for nothing else, and must not be done while another thread is inside a call on that camera.
  */
 #ifndef KIV_CAMERA_API_H
 #define KIV_CAMERA_API_H

@@ -1,6 +1,11 @@
 /* The factory: finds the producers that the registry file lists, binds them, and keeps the list of cameras.
  *
  * One factory at a time is the normal use: a GenTL producer can be opened once in a process.
+ *
+ * Threads. Any. An update of the camera list holds the factory while producers search (up to 200 ms for each interface): other
+ * calls on the factory, and the opening of cameras, wait for it; cameras that are open go on. K_Factory_Close must not be called
+ * while another thread uses the factory or anything that came from it. The error record is one for the process: what a thread
+ * reads there is whole, but may be a later error of another thread.
  */
 #ifndef KIV_FACTORY_API_H
 #define KIV_FACTORY_API_H

@@ -1,4 +1,10 @@
-/* The GenTL module tree itself: transport layers (bound producers), interfaces, descriptions. */
+/* The GenTL module tree itself: transport layers (bound producers), interfaces, descriptions.
+ *
+ * Threads. Any. Forwarders call the producer on the caller's thread and take no lock of the library on the way; GenTL demands of
+ * producers that they bear that. A module's own node map is built by the first call that needs it, for which other calls on the
+ * same module wait, and has a lock of its own (node.h). An interface must not be closed while another thread uses it or a camera
+ * on it.
+ */
 #ifndef KIV_GENTL_API_H
 #define KIV_GENTL_API_H
 
@@ -66,7 +72,9 @@ K_API K_STATUS_CODES K_CALL K_GenTL_GetSubFeatureByIndex(void* hModule, const ch
 /**
  * The GenICam description (XML) of a module as a text.
  *
- * hModule: the transport layer itself, a camera (its remote device), or a producer's own module handle.
+ * hModule: the transport layer itself, an interface, a camera (its remote device), a data stream, an image stream, or a
+ *          producer's own module handle such as a DEV_HANDLE. It is not checked beforehand: the producer refuses what it does not
+ *          know. An object of another transport layer, or an image stream without a stream, gives K_ST_INVALID_HANDLE.
  * hOther:  must not be null; otherwise unused.
  * buffer:  null asks for the size, which then does NOT count the terminator; a copy needs one byte more and follows the rule of
  *          node texts (node.h). This off-by-one is kept: callers rely on it.

@@ -9,6 +9,12 @@
  * size that is needed, and the call returns K_ST_INVALID_BUFFER_SIZE. With *size 0 nothing is written.
  *
  * Booleans are 0 or 1; enumerated properties carry GenApi's numbers (GenApi/Types.h).
+ *
+ * Threads. Any. A call on a value, an access mode or a cache holds the lock of its node map until it is done, register accesses
+ * included: calls on one map come one after the other, calls on different maps do not wait for each other. Names, types, entries
+ * and selector links never change and need no lock. Callbacks run inside the lock, on the thread that made the change,
+ * when its call is done with the node. They may call back into the same map; they must not wait for another thread that uses it,
+ * and must not close what the map belongs to.
  */
 #ifndef KIV_NODE_API_H
 #define KIV_NODE_API_H

@@ -17,8 +17,9 @@
  *
  * Errors. K_ST_GC_ERROR means that the GenICam layer raised an error; K_Factory_GetGenICamErrorInfo tells its text and node.
  *
- * Threads. Any function may be called from any thread. Calls on one camera are serialised by its node map; a slow camera never
- * delays another one. A handle must not be closed while another thread is inside a call on it, unless its close says that it may.
+ * Threads. Any function may be called from any thread, also from callbacks. What two calls on one camera's features have in
+ * common is the lock of its node map, which each holds until it is done; a slow camera never delays another one. A handle must
+ * not be closed while another thread is inside a call on it, unless its close says that it may. Each header says more.
  */
 #ifndef KIV_TYPES_H
 #define KIV_TYPES_H

@@ -3,16 +3,18 @@
 
 #include <kiv/types.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 namespace kiv::api {
 
 /// The caller's 32-bit size for the length of one producer call: widened on the way in, written back when the call is over,
-/// whatever its result.
+/// whatever its result. What a caller cannot be told is told as the largest number, not as its lower half.
 class WideSize {
 public:
     explicit WideSize(uint32_t& narrow) : narrow_(narrow), wide_(narrow) {}
-    ~WideSize() { narrow_ = static_cast<uint32_t>(wide_); }
+    ~WideSize() { narrow_ = static_cast<uint32_t>(std::min<size_t>(wide_, UINT32_MAX)); }
     WideSize(const WideSize&) = delete;
     WideSize& operator=(const WideSize&) = delete;
     operator size_t*() { return &wide_; }

@@ -13,11 +13,32 @@
 using namespace kiv;
 using namespace kiv::api;
 using GenICam::Factory::CCameraClass;
+using GenICam::Factory::CInterfaceClass;
+using GenICam::Factory::CTLWrapper;
 
-// The producer's port behind a module handle: our own objects stand for theirs.
-static GenTL::PORT_HANDLE module_port(const GenICam::Factory::CTLWrapper& producer, void* module) {
-    if (module == &producer) return producer.TL();
-    if (is_live(module, HandleKind::camera)) return static_cast<CCameraClass*>(module)->RemoteDevice().Port();
+// The producer's port behind a module handle: our own objects stand for theirs. What belongs to another producer is not shown to
+// this one.
+static GenTL::PORT_HANDLE module_port(const CTLWrapper& producer, void* module) {
+    const auto port_of = [&producer](const CTLWrapper& owner, GenTL::PORT_HANDLE port) {
+        if (&owner != &producer || !port) fail(K_ST_INVALID_HANDLE);
+        return port;
+    };
+    if (is_live(module, HandleKind::transport_layer)) {
+        auto& layer = object_of<CTLWrapper>(module);
+        return port_of(layer, layer.TL());
+    }
+    if (is_live(module, HandleKind::interface)) {
+        auto& opened = object_of<CInterfaceClass>(module);
+        return port_of(opened.Producer(), opened.Handle());
+    }
+    if (is_live(module, HandleKind::camera)) {
+        auto& opened = object_of<CCameraClass>(module);
+        return port_of(opened.Producer(), opened.RemoteDevice().Port());
+    }
+    if (is_live(module, HandleKind::thread)) {
+        auto& stream = object_of<ImageLib::CImageStream>(module);
+        return port_of(stream.Producer(), stream.Stream());
+    }
     return module;
 }
 
@@ -44,9 +65,9 @@ static GenApi::INodeMap& module_map(void* hModule) {
     GenApi::INodeMap* map = nullptr;
     bool known = true;
     if (is_live(hModule, HandleKind::transport_layer))
-        map = system_node_map(object_of<GenICam::Factory::CTLWrapper>(hModule));
+        map = system_node_map(object_of<CTLWrapper>(hModule));
     else if (is_live(hModule, HandleKind::interface))
-        map = interface_node_map(object_of<GenICam::Factory::CInterfaceClass>(hModule));
+        map = interface_node_map(object_of<CInterfaceClass>(hModule));
     else if (is_live(hModule, HandleKind::camera))
         map = object_of<CCameraClass>(hModule).GetNodeMap();
     else if (is_live(hModule, HandleKind::thread))

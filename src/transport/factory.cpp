@@ -218,9 +218,12 @@ void CFactory::EnableForceIp(std::uint32_t enable) {
 
 void CFactory::SendActionCommand(std::uint32_t device_key, std::uint32_t group_key, std::uint32_t group_mask, void* first,
                                  void* second) const {
-    for (auto& [key, producer] : Producers())
+    for (const auto& entry : Producers()) {
+        auto* producer = entry.second;
         if (producer->TLSendActionCommand)
-            producer->TLSendActionCommand(producer->TL(), device_key, group_key, group_mask, first, second);
+            kiv::answer_of(
+                [&] { return producer->TLSendActionCommand(producer->TL(), device_key, group_key, group_mask, first, second); });
+    }
 }
 
 bool CFactory::Report(std::uint32_t index, K_PRODUCER_REPORT& report) const {

@@ -274,11 +274,46 @@ TEST_F(Description, XmlStringOfModulesHasItsOwnSizeRule) {
     EXPECT_EQ(expected.size() + 1, size);
     EXPECT_STATUS(K_ST_SUCCESS, K_GenTL_Module_GetXmlString(layer, camera, &other, text.data(), &size));
     EXPECT_EQ(expected, text.c_str());
+}
 
-    EXPECT_STATUS(K_ST_SUCCESS, K_GenTL_Module_GetXmlString(layer, layer, &other, nullptr, &size));
-    EXPECT_EQ(scripted::plain_description("TLPort").size(), size) << "the producer's own";
-    EXPECT_STATUS(K_ST_SUCCESS, K_GenTL_Module_GetXmlString(layer, &producer->FirstInterface(), &other, nullptr, &size));
-    EXPECT_EQ(scripted::plain_description("InterfacePort").size(), size) << "a module by the producer's own handle";
+TEST_F(Description, XmlStringKnowsEveryKindOfModule) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenWith("A.xml", scripted::camera_description));
+    TRANSPORT_LAYER_HANDLE layer = nullptr;
+    INTERFACE_HANDLE opened = nullptr;
+    void* device = nullptr;
+    THRD_HANDLE stream = nullptr;
+    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_GetTLHandle(camera, &layer));
+    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_GetInterfaceHandle(camera, &opened));
+    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_GetLocalDeviceHandle(camera, &device));
+    ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStream(camera, 0, nullptr, nullptr, &stream, 1024, 0));
+    struct {
+        void* module;
+        std::string expected;
+    } rows[] = {{layer, scripted::plain_description("TLPort")},
+                {opened, scripted::plain_description("InterfacePort")},
+                {&producer->FirstInterface(), scripted::plain_description("InterfacePort")},
+                {device, scripted::plain_description("DevicePort")},
+                {stream, scripted::plain_description("StreamPort")},
+                {camera, scripted::camera_description}};
+    int other = 0;
+    for (auto& row : rows) {
+        std::string text(1 << 16, '?');
+        auto size = static_cast<std::uint32_t>(text.size());
+        EXPECT_STATUS(K_ST_SUCCESS, K_GenTL_Module_GetXmlString(layer, row.module, &other, text.data(), &size));
+        EXPECT_EQ(row.expected, text.c_str());
+        EXPECT_EQ(row.expected.size() + 1, size);
+        // Each has a node map of that description: one that is asked for by the same handle, where it is one of ours.
+        NODE_HANDLE root = nullptr;
+        if (row.module == &producer->FirstInterface()) continue;
+        EXPECT_STATUS(K_ST_SUCCESS, K_GenTL_GetNodeByName(row.module, "Root", &root));
+    }
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_CloseStream(stream));
+    // What the producer does not know it refuses; a strict one takes note of it.
+    std::uint32_t size = 0;
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_GenTL_Module_GetXmlString(layer, nullptr, &other, nullptr, &size));
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_GenTL_Module_GetXmlString(layer, &other, &other, nullptr, &size));
+    EXPECT_EQ(2u, producer->Misuse().size());
+    expect_clean_end = false;
 }
 
 }  // namespace

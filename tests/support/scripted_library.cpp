@@ -1,6 +1,7 @@
 // Entry points of a scripted producer: library, system module, interfaces. Which of the optional exports a module has is decided
 // by its build; what it says is decided by its world.
 #include <cstring>
+#include <utility>
 
 #include "scripted_entry.h"
 
@@ -60,9 +61,8 @@ GC_ERROR answer(World& here, const Info& info, INFO_DATATYPE* type, void* buffer
     if (!type || !size) return here.Broken("a query without type or size pointer", GC_ERR_INVALID_PARAMETER);
     if (info.status != GC_ERR_SUCCESS) return info.status;
     *type = info.type;
-    auto capacity = *size;
+    auto capacity = std::exchange(*size, info.bytes.size());  // a consumer whose size is no size_t is written over here
     if (buffer && capacity < info.bytes.size()) return GC_ERR_BUFFER_TOO_SMALL;
-    *size = info.bytes.size();
     if (buffer) std::memcpy(buffer, info.bytes.data(), info.bytes.size());
     return GC_ERR_SUCCESS;
 }
