@@ -35,11 +35,10 @@ public:
     bool IsAttached() const { return base_ != nullptr; }
     bool HasData() const { return base_ || cached_; }
 
-    /// As the ones above, with the invalidation left to the caller: an adapter first moves all of its ports.
+    /// As the ones above, with the invalidation left to the caller.
     void StoreChunk(uint8_t* base, int64_t offset, int64_t length, bool cache);
     void DropChunk() { base_ = nullptr; }
     void DropCache() { cached_ = false, cache_.clear(); }
-    bool Rebase(uint8_t* base);  ///< False, and nothing done, while no chunk is attached.
     /// Asks the node for its chunk id again; only an id that comes from another node ever changes.
     void RefreshChunkID();
 

@@ -38,6 +38,8 @@ public:
 
     virtual void GetChildren(NodeList_t& children, ELinkType linkType = ctReadingChildren) const = 0;
     virtual void GetParents(NodeList_t& parents) const = 0;
+    /// Those that decide whether the node is locked: its own, and those of the nodes that a write to it passes through.
+    virtual void GetLockNodes(NodeList_t& locks) const = 0;
     virtual INode* GetAlias() const = 0;
     virtual INode* GetCastAlias() const = 0;
 

@@ -33,6 +33,12 @@ public:
     /// Tells polled nodes that time has gone by; those whose time is reached are invalidated.
     virtual void Poll(int64_t elapsedMilliseconds) = 0;
     virtual CLock& GetLock() const = 0;
+    /// Runs `body` as one operation: the map is locked, and the callbacks of all that changes are called once, at the end.
+    template <class Body>
+    void RunTogether(Body body) {
+        RunOperation([](void* context) { (*static_cast<Body*>(context))(); }, &body);
+    }
+    virtual void RunOperation(void (*body)(void* context), void* context) = 0;
     /// Compiles every formula now. False when some are faulty; `errors` receives a line for each.
     virtual bool ParseSwissKnifes(gcstring_vector* errors = nullptr) const = 0;
     virtual IDeviceInfo* GetDeviceInfo() noexcept = 0;

@@ -13,13 +13,25 @@ class KIV_GENICAM_API CNodeMapRef {
 public:
     explicit CNodeMapRef(const gcstring& deviceName = "Device");
     explicit CNodeMapRef(std::shared_ptr<INodeMap> map, const gcstring& deviceName = "Device");
+    /// For a map that somebody else owns and that outlives all copies of this object.
+    explicit CNodeMapRef(INodeMap* borrowed, const gcstring& deviceName = "Device");
     virtual ~CNodeMapRef();
     CNodeMapRef(const CNodeMapRef&);
     CNodeMapRef& operator=(const CNodeMapRef&);
 
-    /// A file that is missing, or no description, throws RuntimeException.
+    /// What is missing, or no description, throws RuntimeException, and the map that was there stays. A file may be packed: it
+    /// is what it contains that counts, not its name.
     void _LoadXMLFromFile(const gcstring& fileName);
     void _LoadXMLFromString(const gcstring& xml);
+    /// The first description in a zip archive.
+    void _LoadXMLFromZIPFile(const gcstring& fileName);
+    void _LoadXMLFromZIPData(const void* data, size_t size);
+    /// The first description with the nodes of the second put in. Of two nodes of one name the one of the higher MergePriority
+    /// stays; categories list what either lists. Two other nodes of equal priority throw RuntimeException.
+    void _LoadXMLFromFileInject(const gcstring& targetFileName, const gcstring& injectedFileName);
+    void _LoadXMLFromStringInject(const gcstring& targetXml, const gcstring& injectedXml);
+    /// Descriptions are read so fast that no prepared form of them is kept anywhere: always true, and nothing is done.
+    static bool _ClearXMLCache();
     bool _Connect(IPort* port) const;
     bool _Connect(IPort* port, const gcstring& portName) const;
     void _Destroy();

@@ -1,13 +1,10 @@
 #include "GenApi/chunk_adapter.h"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <limits>
-#include <memory_resource>
 #include <span>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "GenApi/i_node.h"
 #include "GenApi/i_node_map.h"
@@ -16,21 +13,6 @@
 namespace GenApi {
 
 namespace {
-
-/// The ports whose nodes have to hear of a change. Buffers change with each image: for up to 64 of them, no memory is asked for.
-class Changed {
-public:
-    explicit Changed(size_t most) { ports_.reserve(most); }
-    void Add(CChunkPort& port) { ports_.push_back(&port); }
-    void Invalidate() const {
-        for (CChunkPort* port : ports_) port->InvalidateNode();
-    }
-
-private:
-    alignas(CChunkPort*) std::array<std::byte, 64 * sizeof(CChunkPort*)> room_;
-    std::pmr::monotonic_buffer_resource memory_{room_.data(), room_.size()};
-    std::pmr::vector<CChunkPort*> ports_{&memory_};
-};
 
 bool is_possible(const SingleChunkData_t& chunk, int64_t bufferLength) {
     const int64_t end = bufferLength < 0 ? std::numeric_limits<int64_t>::max() : bufferLength;
@@ -66,13 +48,14 @@ void CChunkAdapter::AttachNodeMap(INodeMap* map) {
     map_ = map;
     NodeList_t all;
     map->GetNodes(all);
-    for (INode* node : all)
-        if (node->GetPrincipalInterfaceType() == intfIPort && !ports_.emplace_back().AttachPort(node)) ports_.pop_back();
+    map->RunTogether([&] {
+        for (INode* node : all)
+            if (node->GetPrincipalInterfaceType() == intfIPort && !ports_.emplace_back().AttachPort(node)) ports_.pop_back();
+    });
 }
 
 void CChunkAdapter::DetachNodeMap() {
-    map_ = nullptr;
-    ports_.clear();
+    if (auto* map = std::exchange(map_, nullptr)) map->RunTogether([&] { ports_.clear(); });
 }
 
 void CChunkAdapter::AttachChunks(uint8_t* buffer, int64_t bufferLength, const SingleChunkData_t* chunks, int64_t count,
@@ -88,58 +71,48 @@ void CChunkAdapter::AttachChunks(uint8_t* buffer, int64_t bufferLength, const Si
                                                 " does not fit into its buffer.");
     }
 
-    Changed changed(ports_.size());
     AttachStatistics_t counted{static_cast<int>(ports_.size()), static_cast<int>(std::min<int64_t>(count, INT32_MAX)), 0};
-    {
-        const AutoLock lock(map_->GetLock());
+    map_->RunTogether([&] {
         for (CChunkPort& port : ports_) {
-            if (port.HasData()) changed.Add(port);
+            const bool hadData = port.HasData();
             port.RefreshChunkID();
             auto chunk = std::ranges::find_if(list, [&port](auto& one) { return port.CheckChunkID(one.ChunkID); });
-            if (chunk == list.end()) {  // a copy of another buffer's chunk would pass for this one's
+            if (chunk != list.end()) {
+                const auto length = static_cast<int64_t>(chunk->ChunkLength);
+                const bool cache = port.WantsCache() && (maxChunkCacheSize_ < 0 || length <= maxChunkCacheSize_);
+                port.StoreChunk(buffer, chunk->ChunkOffset, length, cache);
+                ++counted.NumAttachedChunks;
+            } else {  // a copy of another buffer's chunk would pass for this one's
                 port.DropChunk();
                 port.DropCache();
-                continue;
             }
-            if (!port.HasData()) changed.Add(port);
-            const auto length = static_cast<int64_t>(chunk->ChunkLength);
-            const bool cache = port.WantsCache() && (maxChunkCacheSize_ < 0 || length <= maxChunkCacheSize_);
-            port.StoreChunk(buffer, chunk->ChunkOffset, length, cache);
-            ++counted.NumAttachedChunks;
+            if (hadData || port.HasData()) port.InvalidateNode();
         }
-    }
+    });
     if (statistics) *statistics = counted;
-    changed.Invalidate();
 }
 
 void CChunkAdapter::DetachBuffer() {
     if (!map_) return;
-    Changed changed(ports_.size());
-    {
-        const AutoLock lock(map_->GetLock());
-        for (CChunkPort& port : ports_) {
-            if (!port.IsAttached()) continue;
-            port.DropChunk();
-            changed.Add(port);
-        }
-    }
-    changed.Invalidate();
+    map_->RunTogether([&] {
+        for (CChunkPort& port : ports_)
+            if (port.IsAttached()) port.DetachChunk();
+    });
 }
 
 void CChunkAdapter::UpdateBuffer(uint8_t* base) {
     if (!map_) throw GenICam::LogicalErrorException("The chunk adapter has no node map.");
     if (!base) throw GenICam::InvalidArgumentException("No buffer.");
-    Changed changed(ports_.size());
-    {
-        const AutoLock lock(map_->GetLock());
-        for (CChunkPort& port : ports_)
-            if (port.Rebase(base)) changed.Add(port);
-    }
-    changed.Invalidate();
+    map_->RunTogether([&] {
+        for (CChunkPort& port : ports_) port.UpdateBuffer(base);
+    });
 }
 
 void CChunkAdapter::ClearCaches() {
-    for (CChunkPort& port : ports_) port.ClearCache();
+    if (!map_) return;
+    map_->RunTogether([&] {
+        for (CChunkPort& port : ports_) port.ClearCache();
+    });
 }
 
 CChunkAdapterGeneric::CChunkAdapterGeneric(INodeMap* map, int64_t maxChunkCacheSize) : CChunkAdapter(map, maxChunkCacheSize) {}

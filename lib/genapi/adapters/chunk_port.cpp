@@ -135,12 +135,6 @@ void CChunkPort::DetachChunk() {
     InvalidateNode();
 }
 
-bool CChunkPort::Rebase(uint8_t* base) {
-    if (!IsAttached()) return false;
-    StoreChunk(base, offset_, length_, cached_);
-    return true;
-}
-
 void CChunkPort::UpdateBuffer(uint8_t* base) {
     if (IsAttached()) AttachChunk(base, offset_, length_, cached_);
 }

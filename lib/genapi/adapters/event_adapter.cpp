@@ -1,5 +1,7 @@
 #include "GenApi/event_adapter.h"
 
+#include <utility>
+
 #include "GenApi/i_node.h"
 #include "GenApi/i_node_map.h"
 #include "GenICam/exceptions.h"
@@ -31,33 +33,30 @@ void CEventAdapter::AttachNodeMap(INodeMap* map) {
     map_ = map;
     NodeList_t all;
     map->GetNodes(all);
-    for (INode* node : all) {
-        const std::optional<uint64_t> id = kiv::genapi::id_number(kiv::genapi::id_bytes(node->GetEventID()));
-        if (!id) continue;
-        if (ports_.emplace_back().AttachNode(node)) continue;
-        ports_.pop_back();
-        nodes_.push_back({*id, node});
-    }
+    map->RunTogether([&] {
+        for (INode* node : all) {
+            const std::optional<uint64_t> id = kiv::genapi::id_number(kiv::genapi::id_bytes(node->GetEventID()));
+            if (!id) continue;
+            if (ports_.emplace_back().AttachNode(node)) continue;
+            ports_.pop_back();
+            nodes_.push_back({*id, node});
+        }
+    });
 }
 
 void CEventAdapter::DetachNodeMap() {
-    map_ = nullptr;
     nodes_.clear();
-    ports_.clear();
+    if (auto* map = std::exchange(map_, nullptr)) map->RunTogether([&] { ports_.clear(); });
 }
 
 void CEventAdapter::DeliverEvent(const uint8_t* data, uint32_t length, uint64_t id) {
     if (!map_) return;
-    {
-        // All ports first: a callback of one of them may read another.
-        const AutoLock lock(map_->GetLock());
+    map_->RunTogether([&] {
         for (CEventPort& port : ports_)
-            if (port.CheckEventID(id)) port.StoreEvent(data, length);
-    }
-    for (CEventPort& port : ports_)
-        if (port.CheckEventID(id)) port.InvalidateNode();
-    for (const EventNode& node : nodes_)
-        if (node.id == id) node.node->InvalidateNode();
+            if (port.CheckEventID(id)) port.AttachEvent(data, length);
+        for (const EventNode& node : nodes_)
+            if (node.id == id) node.node->InvalidateNode();
+    });
 }
 
 }  // namespace GenApi

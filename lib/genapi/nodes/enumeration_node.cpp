@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numeric>
 
+#include "runtime/access_reason.h"
 #include "runtime/value_text.h"
 
 namespace kiv::genapi {
@@ -20,7 +21,9 @@ std::string_view EnumEntryNode::Symbolic() const {
     return text.empty() ? record.name : text;
 }
 
-void EnumEntryNode::SetText(std::string_view, bool) { throw GenICam::AccessException("Node is not writable.", Place()); }
+void EnumEntryNode::SetText(std::string_view, bool) {
+    throw GenICam::AccessException("Node is not writable. It " + OwnObstacle(true), Place());
+}
 
 // ---- finding entries ----
 
@@ -131,8 +134,9 @@ int64_t EnumerationNode::GetIntValue(bool verify, bool ignoreCache) {
 void EnumerationNode::Write(EnumEntryNode& entry, bool verify) {
     const Evaluation step(*this, Question::Write);
     if (verify && !IsAvailable(Combine(entry.Mode(), RW)))
-        throw GenICam::AccessException(
-            "Node is not writable. The entry '" + std::string(entry.Symbolic()) + "' is not available.", Place());
+        throw GenICam::AccessException("Node is not writable. The entry '" + std::string(entry.Symbolic()) +
+                                           "' cannot be chosen. " + access_reason(entry, false),
+                                       Place());
     source_->Write(*this, entry.value_, verify);
     isSelfClearing_ = entry.isSelfClearing_;
 }

@@ -52,10 +52,33 @@ Range<T> NumberNode<T, I, k>::Limits() {
 }
 
 template <class T, class I, EInterfaceType k>
+std::string NumberNode<T, I, k>::OriginOf(const char* name, const Setting<T> NumberRules<T>::*setting,
+                                          const std::optional<T>& imposed, T limit) {
+    const auto is = " " + std::string(name) + " is ";
+    const auto named = [](const Node& node) { return "'" + std::string(node.Name()) + "'."; };
+    if (imposed == limit) return is + "imposed by the application.";
+    if (rules_ && rules_->*setting) {
+        const auto* node = (rules_->*setting).Target();
+        return node ? is + "the value of " + named(*node) : "";
+    }
+    if (auto* shown = Shown()) return is + "that of " + named(*shown);
+    if (auto* converted = this->Target(Tag::pValue)) return is + "computed from that of " + named(*converted);
+    return this->Find(Tag::pPort) ? is + "what the register can hold." : "";
+}
+
+template <class T, class I, EInterfaceType k>
 void NumberNode<T, I, k>::RequireInRange(T value) {
     const auto range = Limits();
-    if (!(value <= range.max)) throw OutOfRangeException(above_text(value, range.max), this->Place());
-    if (!(value >= range.min)) throw OutOfRangeException(below_text(value, range.min), this->Place());
+    using Rules = NumberRules<T>;
+    const auto none = std::optional<T>();
+    if (!(value <= range.max))
+        throw OutOfRangeException(
+            above_text(value, range.max) + OriginOf("Max", &Rules::max, rules_ ? rules_->imposedMax : none, range.max),
+            this->Place());
+    if (!(value >= range.min))
+        throw OutOfRangeException(
+            below_text(value, range.min) + OriginOf("Min", &Rules::min, rules_ ? rules_->imposedMin : none, range.min),
+            this->Place());
     if constexpr (std::is_integral_v<T>) {
         const auto& valid = rules_ ? rules_->validValues : std::vector<T>();
         if (!valid.empty()) {
@@ -65,8 +88,8 @@ void NumberNode<T, I, k>::RequireInRange(T value) {
         const auto difference = static_cast<uint64_t>(value) - static_cast<uint64_t>(range.min);
         if (difference % static_cast<uint64_t>(range.inc) != 0)
             throw OutOfRangeException("The difference between Value = " + number_text(value) +
-                                          " and Min = " + number_text(range.min) +
-                                          " must be dividable without rest by Inc = " + number_text(range.inc) + ".",
+                                          " and Min = " + number_text(range.min) + " must be dividable without rest by Inc = " +
+                                          number_text(range.inc) + "." + OriginOf("Inc", &Rules::inc, none, range.inc),
                                       this->Place());
     }
 }

@@ -66,6 +66,8 @@ protected:
     EAccessMode SourceMode() override { return source_->Mode(*this); }
     void VerifyValue() override { RequireInRange(ReadNumber()); }
     void RequireInRange(T value);
+    /// A sentence about where the limit comes from that is called `name`; "" when the node's own description says it.
+    std::string OriginOf(const char* name, const Setting<T> NumberRules<T>::*setting, const std::optional<T>& imposed, T limit);
     /// The property of this node or, when it has none, of the one that it shows; "" when neither has.
     std::string_view ForwardedText(Tag tag);
 

@@ -54,6 +54,13 @@ void* PortNode::AsInterface(EInterfaceType type) noexcept {
 
 EAccessMode PortNode::SourceMode() { return port_ ? port_->GetAccessMode() : NA; }
 
+std::string PortNode::OwnObstacle(bool forWriting) const {
+    if (!port_) return "is not connected to a device.";
+    const auto mode = port_->GetAccessMode();
+    if (forWriting ? IsWritable(mode) : IsReadable(mode)) return {};
+    return "has a device of the access mode " + EAccessModeClass::ToString(mode).str() + ".";
+}
+
 IPort& PortNode::Connected() {
     if (!port_) throw GenICam::AccessException("The port is not connected to a device.", Place());
     return *port_;

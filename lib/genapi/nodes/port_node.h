@@ -28,6 +28,7 @@ public:
     void ReadBytes(std::span<uint8_t> bytes, int64_t address);
     void WriteBytes(std::span<const uint8_t> bytes, int64_t address);
 
+    std::string OwnObstacle(bool forWriting) const override;
     void SetSwap(bool swap) { swap_ = swap; }
 
 protected:

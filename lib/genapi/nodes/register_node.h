@@ -57,6 +57,11 @@ public:
     void FromString(const gcstring& text, bool verify = true) override { Shown::FromString(text, verify); }
     bool IsValueCacheValid() const override { return Shown::IsValueCacheValid(); }
     ECachingMode OwnCaching() const override { return access_.caching; }
+    std::string OwnObstacle(bool forWriting) const override {
+        const bool isAllowed = forWriting ? IsWritable(access_.mode) : IsReadable(access_.mode);
+        return isAllowed ? ""
+                         : "is a register of the access mode " + GenApi::EAccessModeClass::ToString(access_.mode).str() + ".";
+    }
 
     RegisterAccess& Access() { return access_; }
 

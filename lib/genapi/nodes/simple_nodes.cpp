@@ -11,6 +11,8 @@ void CategoryNode::GetFeatures(GenApi::FeatureList_t& features) const {
     }
 }
 
-void CategoryNode::SetText(std::string_view, bool) { throw GenICam::AccessException("Node is not writable.", Place()); }
+void CategoryNode::SetText(std::string_view, bool) {
+    throw GenICam::AccessException("Node is not writable. It " + OwnObstacle(true), Place());
+}
 
 }  // namespace kiv::genapi

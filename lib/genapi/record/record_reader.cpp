@@ -25,6 +25,7 @@ public:
     void ReadRoot(pugi::xml_node root);
 
 private:
+    void ReadSchemaOfNamespace(pugi::xml_node root);
     void ReadNodes(pugi::xml_node root);
     void ReadNode(pugi::xml_node element, Element kind);
     void ReadStructReg(pugi::xml_node element);
@@ -107,6 +108,8 @@ uint32_t Reader::AddRecord(pugi::xml_node element, Element kind, std::string_vie
     record.name = name;
     record.element = kind;
     record.isStandard = attribute_text(element, "NameSpace") == "Standard";
+    record.mergePriority =
+        static_cast<int8_t>(std::clamp<int64_t>(parse_integer(attribute_text(element, "MergePriority")).value_or(0), -1, 1));
     record.firstProperty = static_cast<uint32_t>(table_.properties.size());
     record.propertyCount = static_cast<uint32_t>(properties.size());
     table_.properties.insert(table_.properties.end(), properties.begin(), properties.end());
@@ -129,6 +132,7 @@ void Reader::ReadEmbedded(pugi::xml_node element, Element kind, uint32_t owner) 
         ReadProperties(child, scratch_);
         if (isKey) scratch_.push_back(reference_to(table_.records[owner].name, Tag::p1212Parser));
         const auto index = AddRecord(child, *inner, name, scratch_);
+        table_.records[index].isInner = true;
         if (!isEntry) continue;
         table_.records[index].owner = owner;
         table_.records[index].symbolic = symbolic;
@@ -206,7 +210,24 @@ void Reader::ReadRoot(pugi::xml_node root) {
     const char* const version[] = {"MajorVersion", "MinorVersion", "SubMinorVersion"};
     std::transform(std::begin(schema), std::end(schema), info.schema, number);
     std::transform(std::begin(version), std::end(version), info.version, number);
+    ReadSchemaOfNamespace(root);
     ReadNodes(root);
+}
+
+void Reader::ReadSchemaOfNamespace(pugi::xml_node root) {
+    constexpr std::string_view space = "http://www.genicam.org/GenApi/Version_";
+    auto& info = table_.info;
+    for (const auto attribute : root.attributes()) {
+        auto text = trimmed(attribute.value());
+        if (!std::string_view(attribute.name()).starts_with("xmlns") || !text.starts_with(space)) continue;
+        text.remove_prefix(space.size());
+        const auto major = parse_integer(text.substr(0, text.find('_')));
+        const auto minor = parse_integer(text.substr(std::min(text.size(), text.find('_') + 1)));
+        if (!major || !minor || *major < 0 || *minor < 0 || *major > UINT16_MAX || *minor > UINT16_MAX) continue;
+        info.schemaOfNamespace[0] = static_cast<uint16_t>(*major);
+        info.schemaOfNamespace[1] = static_cast<uint16_t>(*minor);
+    }
+    if (info.schema[0] == 0) std::copy_n(info.schemaOfNamespace, 2, info.schema);
 }
 
 /// The guess was far off; a small excess is not worth copying everything.
@@ -249,6 +270,15 @@ void read_records(std::string description, RecordTable& table) {
     Reader(table).ReadRoot(root);
     shrink(table.records);
     shrink(table.properties);
+}
+
+void require_known_schema(const DescriptionInfo& info) {
+    constexpr std::pair<uint16_t, uint16_t> newest{1, 1};
+    for (const auto* version : {info.schema, info.schemaOfNamespace}) {
+        if (std::pair(version[0], version[1]) <= newest) continue;
+        throw GenICam::RuntimeException("The description is made for version " + std::to_string(version[0]) + "." +
+                                        std::to_string(version[1]) + " of the schema; the newest one that is known is 1.1.");
+    }
 }
 
 }  // namespace kiv::genapi

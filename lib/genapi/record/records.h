@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <memory_resource>
 #include <span>
 #include <string>
@@ -41,12 +42,15 @@ struct Record {
     std::string_view symbolic;  ///< the name that an entry has in the description
     Element element{};
     bool isStandard = false;
+    bool isInner = false;  ///< stood inside the record before it, or beside others that did
+    int8_t mergePriority = 0;
 };
 
 /// The root's attributes.
 struct DescriptionInfo {
     std::string_view modelName, vendorName, toolTip, standardNameSpace, productGuid, versionGuid;
     uint16_t schema[3] = {};
+    uint16_t schemaOfNamespace[2] = {};  ///< zeros when the namespace is none of the known kind
     uint16_t version[3] = {};
 };
 
@@ -75,7 +79,8 @@ public:
     DescriptionInfo info;
     std::vector<Record> records;
     std::vector<Property> properties;
-    std::vector<std::string> faults;  ///< what was wrong, each with the name of its node
+    std::vector<std::string> faults;      ///< what was wrong, each with the name of its node
+    std::unique_ptr<RecordTable> merged;  ///< another description, whose texts are in use here too
 
 private:
     std::pmr::monotonic_buffer_resource kept_;

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "GenApi/i_enumeration.h"
+#include "runtime/access_reason.h"
 
 namespace kiv::genapi {
 
@@ -97,21 +98,34 @@ EAccessMode Node::Mode() {
     return mode;
 }
 
+std::string Node::OwnObstacle(bool forWriting) const {
+    switch (GetRecord().element) {
+        case Element::IntSwissKnife:
+        case Element::SwissKnife:
+            return forWriting ? "is computed by a formula." : "";
+        case Element::Category:
+        case Element::EnumEntry:
+            return forWriting ? "is of kind " + std::string(name_of(GetRecord().element)) + "." : "";
+        default:
+            return {};
+    }
+}
+
 namespace {
 
-std::string access_text(const Node& node, const char* text) {
-    const auto* fault = node.Fault();
-    return fault ? std::string(text) + " Its description is faulty: " + *fault : text;
+std::string refusal(Node& node, const char* text, bool forWriting) {
+    const auto reason = access_reason(node, forWriting);
+    return reason.empty() ? text : std::string(text) + " " + reason;
 }
 
 }  // namespace
 
 void Node::RequireReadable() {
-    if (!IsReadable(Mode())) throw AccessException(access_text(*this, "Node is not readable."), Place());
+    if (!IsReadable(Mode())) throw AccessException(refusal(*this, "Node is not readable.", false), Place());
 }
 
 void Node::RequireWritable() {
-    if (!IsWritable(Mode())) throw AccessException(access_text(*this, "Node is not writable."), Place());
+    if (!IsWritable(Mode())) throw AccessException(refusal(*this, "Node is not writable.", true), Place());
 }
 
 EAccessMode Node::AccessModeFromOutside() const {

@@ -61,6 +61,7 @@ public:
     bool IsFeature() const override { return isFeature_; }
     void GetChildren(GenApi::NodeList_t& children, GenApi::ELinkType linkType) const override;
     void GetParents(GenApi::NodeList_t& parents) const override;
+    void GetLockNodes(GenApi::NodeList_t& locks) const override;
     GenApi::INode* GetAlias() const override;
     GenApi::INode* GetCastAlias() const override;
     GenApi::CallbackHandleType RegisterCallback(GenApi::CNodeCallback* callback) override;
@@ -93,7 +94,10 @@ public:
     Node* Target(Tag tag) const { return Target(Find(tag)); }
 
     EAccessMode Mode();
-    /// Throw AccessException.
+    EAccessMode Imposed() const { return imposed_; }
+    /// What about the node itself, not about what it refers to, prevents reading or writing: "is not connected to a device."
+    virtual std::string OwnObstacle(bool forWriting) const;
+    /// Throw AccessException, which says why.
     void RequireReadable();
     void RequireWritable();
 

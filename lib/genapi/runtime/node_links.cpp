@@ -1,5 +1,6 @@
 // Questions about a node's neighbours. They are rare, so they are answered from the description's references and the dependency
 // graph instead of lists of their own.
+#include <algorithm>
 #include <unordered_set>
 
 #include "link/number_text.h"
@@ -103,6 +104,15 @@ void Node::GetChildren(NodeList_t& children, ELinkType linkType) const {
 }
 
 void Node::GetParents(NodeList_t& parents) const { put(parents, dependants_of(*this, false)); }
+
+void Node::GetLockNodes(NodeList_t& locks) const {
+    std::vector<const Node*> found;
+    for (const auto* node : closure(*this, [](const Node& n) { return children_of(n, writingTags); })) {
+        const auto* lock = node->Target(Tag::pIsLocked);
+        if (lock && std::find(found.begin(), found.end(), lock) == found.end()) found.push_back(lock);
+    }
+    put(locks, found);
+}
 
 /// The weakest mode of the registers that the value comes from.
 ECachingMode Node::GetCachingMode() const {

@@ -7,6 +7,7 @@
 #include "link/number_text.h"
 #include "nodes/number_node.h"
 #include "nodes/port_node.h"
+#include "record/merge_records.h"
 #include "record/record_reader.h"
 #include "runtime/node.h"
 #include "sources/formula_sources.h"
@@ -15,10 +16,17 @@ namespace kiv::genapi {
 
 using namespace GenApi;
 
-NodeMap::NodeMap(std::string description, const std::string& deviceName) {
+NodeMap::NodeMap(std::string description, std::optional<std::string> injected, const std::string& deviceName) {
     engine_.map = this;
     engine_.deviceName = deviceName;
     read_records(std::move(description), engine_.table);
+    require_known_schema(engine_.table.info);
+    if (injected) {
+        auto more = std::make_unique<RecordTable>();
+        read_records(std::move(*injected), *more);
+        require_known_schema(more->info);
+        merge_records(engine_.table, std::move(more));
+    }
     link(engine_);
     for (auto* node : engine_.polled) polled_.push_back({node, parse_integer(node->Text(Tag::PollingTime)).value_or(0)});
 }
@@ -70,6 +78,12 @@ void NodeMap::Poll(int64_t elapsedMilliseconds) {
     scope.Finish();
 }
 
+void NodeMap::RunOperation(void (*body)(void* context), void* context) {
+    Operation scope(engine_, engine_.operation);
+    body(context);
+    scope.Finish();
+}
+
 bool NodeMap::ParseSwissKnifes(gcstring_vector* errors) const {
     Operation scope(engine_, "ParseSwissKnifes");
     bool isGood = true;
@@ -114,7 +128,11 @@ void NodeMap::GetDeviceVersion(Version_t& version) {
 }
 
 std::unique_ptr<INodeMap> load_node_map(std::string description, const std::string& deviceName) {
-    return std::make_unique<NodeMap>(std::move(description), deviceName);
+    return std::make_unique<NodeMap>(std::move(description), std::nullopt, deviceName);
+}
+
+std::unique_ptr<INodeMap> load_merged_node_map(std::string description, std::string injected, const std::string& deviceName) {
+    return std::make_unique<NodeMap>(std::move(description), std::move(injected), deviceName);
 }
 
 std::vector<std::string> description_faults(const INodeMap& map) {

@@ -1,6 +1,7 @@
 /// The node map that applications hold: the face of an engine.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,8 @@ namespace kiv::genapi {
 
 class NodeMap final : public GenApi::INodeMap, public GenApi::IDeviceInfo {
 public:
-    NodeMap(std::string description, const std::string& deviceName);
+    /// `injected` is a second description that is merged into the first.
+    NodeMap(std::string description, std::optional<std::string> injected, const std::string& deviceName);
 
     void GetNodes(GenApi::NodeList_t& nodes) const override;
     GenApi::INode* GetNode(std::string_view name) const override;
@@ -23,6 +25,7 @@ public:
     GenApi::gcstring GetDeviceName() const override { return engine_.deviceName; }
     void Poll(int64_t elapsedMilliseconds) override;
     GenApi::CLock& GetLock() const override { return engine_.lock; }
+    void RunOperation(void (*body)(void*), void* context) override;
     bool ParseSwissKnifes(GenApi::gcstring_vector* errors) const override;
     GenApi::IDeviceInfo* GetDeviceInfo() noexcept override { return this; }
 

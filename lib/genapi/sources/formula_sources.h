@@ -59,7 +59,9 @@ class KnifeSource final : public Source<T>, public Compilable {
 public:
     explicit KnifeSource(std::vector<Variable> variables) : formulas_(std::move(variables)) {}
     T Read(Node& self) override { return formulas_.Run(self, Tag::Formula, {}, T{}); }
-    void Write(Node& self, T, bool) override { throw GenICam::AccessException("Node is not writable.", self.Place()); }
+    void Write(Node& self, T, bool) override {
+        throw GenICam::AccessException("Node is not writable. It is computed by a formula.", self.Place());
+    }
     Range<T> Limits(Node&) override { return {}; }
     EAccessMode Mode(Node&) override { return formulas_.IsReadable(nullptr) ? GenApi::RO : GenApi::NA; }
     bool IsFresh(Node&) override { return formulas_.IsFresh(); }

@@ -64,7 +64,9 @@ void IntegerField::Write(Node& self, int64_t value, bool) {
     const auto field = Place(self);
     const auto range = LimitsOf(field);
     if (value < range.min || value > range.max)
-        throw OutOfRangeException(value > range.max ? above_text(value, range.max) : below_text(value, range.min), self.Place());
+        throw OutOfRangeException(value > range.max ? above_text(value, range.max) + " Max is what the register can hold."
+                                                    : below_text(value, range.min) + " Min is what the register can hold.",
+                                  self.Place());
     std::array<uint8_t, 8> buffer{};
     const auto length = static_cast<size_t>(access_.location->Length());
     const auto bytes = std::span(buffer).first(length);

@@ -58,7 +58,7 @@ struct RandomDescription {
         const auto open = [&](const char* element) {
             return "<" + std::string(element) + " Name=\"" + names[index] + "\">" + common;
         };
-        switch (index < 8 ? 0 : dice.Upto(9)) {
+        switch (index < 8 ? 0 : dice.Upto(10)) {
             case 0:
             case 1: {
                 const bool isBanked = dice.Chance(30);
@@ -89,9 +89,13 @@ struct RandomDescription {
                 return open("Integer") + "<pIndex>" + Other(dice, index) + "</pIndex><pValueIndexed Index=\"0\">" +
                        Other(dice, index) + "</pValueIndexed><ValueIndexed Index=\"1\">7</ValueIndexed><pValueDefault>" +
                        Other(dice, index) + "</pValueDefault>" + limits + "</Integer>";
+            case 8:
+                return open("Float") + "<pValue>" + Other(dice, index) + "</pValue>" + Reference(dice, index, "pMax", 20) +
+                       "</Float>";
             default:
                 return open("Enumeration") + "<EnumEntry Name=\"A\">" + Reference(dice, index, "pIsAvailable", 30) +
-                       "<Value>0</Value></EnumEntry><EnumEntry Name=\"B\"><Value>1</Value></EnumEntry><EnumEntry Name=\"C\">"
+                       "<Value>0</Value></EnumEntry><EnumEntry Name=\"B\">" + Reference(dice, index, "pIsAvailable", 60) +
+                       "<Value>1</Value></EnumEntry><EnumEntry Name=\"C\"><NumericValue>2</NumericValue>"
                        "<Value>1</Value></EnumEntry><pValue>" +
                        Other(dice, index) + "</pValue>" + selected + "</Enumeration>";
         }
@@ -133,6 +137,7 @@ struct Subject {
         auto* node = map->GetNode(name);
         return outcome([&] {
             if (auto* enumeration = dynamic_cast<IEnumeration*>(node)) return enumeration->SetIntValue(value & 1, verify);
+            if (auto* number = dynamic_cast<IFloat*>(node)) return number->SetValue(static_cast<double>(value), verify);
             dynamic_cast<IInteger&>(*node).SetValue(value, verify);
         });
     }
@@ -143,6 +148,8 @@ struct Subject {
             if (question < 3) return outcome([&] { return enumeration->GetIntValue(false, ignoreCache); });
             return outcome([&] { return enumeration->GetCurrentEntry() ? enumeration->GetCurrentEntry()->GetValue() : -1; });
         }
+        if (auto* number = dynamic_cast<IFloat*>(node))
+            return outcome([&] { return question < 3 ? number->GetValue(false, ignoreCache) : number->GetMax(); });
         auto& integer = dynamic_cast<IInteger&>(*node);
         if (question < 3) return outcome([&] { return integer.GetValue(false, ignoreCache); });
         return question == 3 ? outcome([&] { return integer.GetMin(); }) : outcome([&] { return integer.GetMax(); });

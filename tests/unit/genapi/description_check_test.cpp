@@ -145,11 +145,13 @@ TEST(DescriptionCheck, LooksAtTheDescriptionAsAWhole) {
     ASSERT_EQ(1u, findings.size()) << "a text that ends too early is nothing else";
     EXPECT_EQ(fsError, findings[0].severity);
     const auto more =
-        told(CheckDescription("\xEF\xBB\xBF\n\n<RegisterDescription xmlns='http://elsewhere' SchemaMajorVersion='3'>\n"
+        told(CheckDescription("\xEF\xBB\xBF\n\n<RegisterDescription xmlns='http://elsewhere' SchemaMajorVersion='0'>\n"
                               "<Thing/><Thing/>\n</RegisterDescription>"));
     for (const auto* part :
-         {"3: 1: : The root has no ModelName.", "The schema version 3. is not known", "The namespace 'http://elsewhere'",
+         {"3: 1: : The root has no ModelName.", "The schema version 0. is not known", "The namespace 'http://elsewhere'",
           "no port 'Device'", "no category 'Root'", "4: 1: : The element 'Thing' is not known; it is ignored. So 1 more"})
         EXPECT_NE(more.find(part), std::string::npos) << part << "\n" << more;
-    for (const auto* text : {"", "no xml", "PK\x03\x04", "<Other/>"}) EXPECT_EQ(1u, CheckDescription(text).size()) << text;
+    for (const auto* text :
+         {"", "no xml", "PK\x03\x04", "<Other/>", "<RegisterDescription SchemaMajorVersion='2'><Thing/></RegisterDescription>"})
+        EXPECT_EQ(1u, CheckDescription(text).size()) << text;
 }

@@ -144,6 +144,42 @@ TEST(Callbacks, MayChangeNodesAndRemoveThemselves) {
     EXPECT_FALSE(camera.Node("A").DeregisterCallback(other));
 }
 
+TEST(Callbacks, HandlesThatAreNoLongerGoodDoNothing) {
+    CallbackHandleType ofADeadMap = 0;
+    {
+        DescribedCamera gone(R"(<Integer Name="A"><Value>0</Value></Integer>)");
+        ofADeadMap = Register(&gone.Node("A"), [](INode*) {});
+    }
+    DescribedCamera camera(R"(<Integer Name="A"><Value>0</Value></Integer>)");
+    int told = 0;
+    const auto first = Register(&camera.Node("A"), [](INode*) {});
+    Deregister(first);
+    Register(&camera.Node("A"), [&](INode*) { ++told; });
+    for (const auto handle : {ofADeadMap, first, CallbackHandleType{0}, CallbackHandleType{-1}}) Deregister(handle);
+    camera.Integer("A").SetValue(1);
+    EXPECT_EQ(1, told);
+}
+
+TEST(Callbacks, OfSeveralChangesThatAreOneOperationAreCalledOnce) {
+    DescribedCamera camera(R"(<Integer Name="A"><Value>1</Value></Integer><Integer Name="B"><Value>1</Value></Integer>
+        <IntSwissKnife Name="Sum"><pVariable Name="A">A</pVariable><pVariable Name="B">B</pVariable><Formula>A+B</Formula></IntSwissKnife>)");
+    std::vector<int64_t> seen;
+    Register(
+        &camera.Node("Sum"), [&](INode*) { seen.push_back(camera.Integer("Sum").GetValue()); }, cbPostOutsideLock);
+    camera.Map().RunTogether([&] {
+        camera.Integer("A").SetValue(10);
+        camera.Integer("B").SetValue(20);
+        EXPECT_TRUE(seen.empty());
+    });
+    EXPECT_EQ((std::vector<int64_t>{30}), seen);
+    EXPECT_THROW(camera.Map().RunTogether([&] {
+        camera.Integer("A").SetValue(11);
+        camera.Integer("Sum").SetValue(0);
+    }),
+                 GenICam::AccessException);
+    EXPECT_EQ((std::vector<int64_t>{30, 31}), seen) << "what was changed before the failure";
+}
+
 TEST(Callbacks, AreNotCalledOnceTheyAreRemoved) {
     DescribedCamera camera(R"(<Integer Name="A"><Value>0</Value></Integer>)");
     CallbackHandleType second = 0, third = 0;

@@ -28,6 +28,8 @@ const char* const description = R"(
     <Sign>Unsigned</Sign><Endianess>BigEndian</Endianess></IntReg>
   <IntReg Name="ChunkKept"><Address>0</Address><Length>2</Length><AccessMode>RO</AccessMode><pPort>KeptPort</pPort>
     <Sign>Unsigned</Sign><Endianess>BigEndian</Endianess></IntReg>
+  <IntSwissKnife Name="ChunkSum"><pVariable Name="W">ChunkWidth</pVariable><pVariable Name="G">ChunkGain</pVariable>
+    <Formula>W + G</Formula></IntSwissKnife>
   <IntReg Name="ChunkMoving"><Address>0</Address><Length>2</Length><AccessMode>RO</AccessMode><pPort>MovingPort</pPort>
     <Sign>Unsigned</Sign><Endianess>BigEndian</Endianess></IntReg>)";
 
@@ -72,6 +74,18 @@ TEST_F(Chunks, WithoutAChunkThereIsNoFeature) {
     EXPECT_EQ(NA, mode(*map, "ChunkGain"));
     EXPECT_EQ(1, Attach({{0xB002, 6, 2}, {0xB002, 0, 2}}).NumAttachedChunks);
     EXPECT_EQ(0x1234, integer(*map, "ChunkGain")) << "the first of two with one id";
+}
+
+TEST_F(Chunks, OfOneBufferAreOneChange) {
+    std::vector<int64_t> seen;
+    Register(map->GetNode("ChunkSum"), [&](INode* node) { seen.push_back(IsReadable(node) ? integer(*map, "ChunkSum") : -1); });
+    Attach(list);
+    buffer[0] = 0x81;
+    adapter.UpdateBuffer(buffer.data());
+    adapter.DetachBuffer();
+    adapter.DetachNodeMap();
+    adapter.AttachNodeMap(map.get());
+    EXPECT_EQ((std::vector<int64_t>{640 + 0x1234, 641 + 0x1234, -1, -1, -1}), seen);
 }
 
 TEST_F(Chunks, AnIdFromANodeIsAskedAtEachAttach) {
