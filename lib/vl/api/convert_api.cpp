@@ -1,5 +1,6 @@
 #include <VL.h>
 
+#include "api/arguments.h"
 #include "convert/convert.h"
 #include "core/error.h"
 #include "format/raw_view.h"
@@ -9,12 +10,6 @@
 using namespace kiv::vl;
 
 namespace {
-
-/// The record with a buffer that may be read.
-const K_IMAGE_INFO& readable(const K_IMAGE_INFO* raw) {
-    refuse_null(required(raw, "raw").image_data, "image_data");
-    return *raw;
-}
 
 VL_IMAGE_HANDLE image_from(const RawView& raw) {
     Image image(raw.Width(), raw.Height(), image_type_of(raw.Format()));

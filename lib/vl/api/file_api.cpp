@@ -1,9 +1,9 @@
 #include <VL.h>
 #include <kiv/platform/paths.h>
-#include <kiv/platform/text.h>
 
 #include <span>
 
+#include "api/names.h"
 #include "core/error.h"
 #include "files/image_file.h"
 #include "files/raw_file.h"
@@ -14,23 +14,11 @@ namespace platform = kiv::platform;
 
 namespace {
 
-std::string name_of(const char* file) {
-    const std::string name = platform::utf8_from_local(&required(file, "file"));
-    if (name.empty()) throw Error(VL_ST_INVALID_PARAMETER, "the file name is empty");
-    return name;
-}
-
-std::string name_of(const wchar_t* file) {
-    const std::string name = platform::utf8_from_wide(&required(file, "file"));
-    if (name.empty()) throw Error(VL_ST_INVALID_PARAMETER, "the file name is empty");
-    return name;
-}
-
 template <class Character>
-VL_STATUS store(const char* function, VL_IMAGE_HANDLE hImage, const Character* file, VL_FILE_FORMAT format, int32_t compression) {
+VL_STATUS store(const char* function, VL_IMAGE_HANDLE hImage, const Character* file, VL_FILE_FORMAT format, int32_t setting) {
     return guarded(function, [&] {
         const auto image = image_of(hImage);
-        store_image(*image, name_of(file), format, compression);
+        store_image(*image, name_of(file), format, setting);
     });
 }
 
@@ -55,19 +43,19 @@ VL_STATUS load(const char* function, const Character* file, K_IMAGE_INFO* pRaw) 
 }  // namespace
 
 VL_STATUS VL_CALL vlStoreToFileA(VL_IMAGE_HANDLE hImage, const char* file, VL_FILE_FORMAT format) {
-    return store(__func__, hImage, file, format, default_compression);
+    return store(__func__, hImage, file, format, usual_setting);
 }
 
 VL_STATUS VL_CALL vlStoreToFileW(VL_IMAGE_HANDLE hImage, const wchar_t* file, VL_FILE_FORMAT format) {
-    return store(__func__, hImage, file, format, default_compression);
+    return store(__func__, hImage, file, format, usual_setting);
 }
 
-VL_STATUS VL_CALL vlStoreToFileExA(VL_IMAGE_HANDLE hImage, const char* file, VL_FILE_FORMAT format, int32_t compression) {
-    return store(__func__, hImage, file, format, compression);
+VL_STATUS VL_CALL vlStoreToFileExA(VL_IMAGE_HANDLE hImage, const char* file, VL_FILE_FORMAT format, int32_t setting) {
+    return store(__func__, hImage, file, format, setting);
 }
 
-VL_STATUS VL_CALL vlStoreToFileExW(VL_IMAGE_HANDLE hImage, const wchar_t* file, VL_FILE_FORMAT format, int32_t compression) {
-    return store(__func__, hImage, file, format, compression);
+VL_STATUS VL_CALL vlStoreToFileExW(VL_IMAGE_HANDLE hImage, const wchar_t* file, VL_FILE_FORMAT format, int32_t setting) {
+    return store(__func__, hImage, file, format, setting);
 }
 
 VL_STATUS VL_CALL vlStoreToFileRAWA(const K_IMAGE_INFO* raw, const char* file) { return store_raw(__func__, raw, file); }

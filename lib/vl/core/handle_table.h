@@ -42,6 +42,15 @@ public:
         if (node.empty()) throw Unknown(handle);
         return std::move(node.mapped());
     }
+    /// The same for a handle that may be gone already.
+    void Drop(Handle handle) noexcept {
+        std::shared_ptr<Object> last;  // destroyed outside of the lock
+        const std::unique_lock hold(lock_);
+        const auto found = objects_.find(handle);
+        if (found == objects_.end()) return;
+        last = std::move(found->second);
+        objects_.erase(found);
+    }
 
 private:
     Error Unknown(Handle handle) const {

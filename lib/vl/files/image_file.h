@@ -9,10 +9,10 @@
 
 namespace kiv::vl {
 
-constexpr std::int32_t default_compression = -1;
+constexpr std::int32_t usual_setting = -1;
 
-/// `path` is UTF-8. Throws an Error for formats, extensions and compressions that do not exist, and when the file cannot be
+/// `path` is UTF-8. Throws an Error for formats, extensions and settings that do not exist, and when the file cannot be
 /// written.
-void store_image(const Image& image, std::string_view path, VL_FILE_FORMAT format, std::int32_t compression);
+void store_image(const Image& image, std::string_view path, VL_FILE_FORMAT format, std::int32_t setting);
 
 }  // namespace kiv::vl

@@ -57,11 +57,13 @@ private:
                        : compression < 6 ? PNG_FILTER_SUB
                                          : PNG_ALL_FILTERS);
         png_set_IHDR(png_, info_, image.Width(), image.Height(), depth,
-                     image.IsColour() ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
-                     PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+                     image.HasAlpha()   ? PNG_COLOR_TYPE_RGB_ALPHA
+                     : image.IsColour() ? PNG_COLOR_TYPE_RGB
+                                        : PNG_COLOR_TYPE_GRAY,
+                     PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
         if (image.SignificantBits() < static_cast<unsigned>(depth)) {
             const auto bits = static_cast<png_byte>(image.SignificantBits());
-            const png_color_8 significant = {bits, bits, bits, bits, 0};
+            const png_color_8 significant = {bits, bits, bits, bits, bits};
             png_set_sBIT(png_, info_, &significant);
         }
         png_write_info(png_, info_);

@@ -106,15 +106,18 @@ bool set_tags(TIFF* tiff, const Image& image, int compression) {
     };
     for (const auto& [tag, value] : always)
         if (TIFFSetField(tiff, tag, value) != 1) return false;
+    // Colours are as they are, not multiplied by alpha.
+    const std::uint16_t extra = EXTRASAMPLE_UNASSALPHA;
+    if (image.HasAlpha() && TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra) != 1) return false;
     if (compression == 0) return true;
     return TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) == 1 &&
            TIFFSetField(tiff, TIFFTAG_ZIPQUALITY, compression) == 1;
 }
 
 template <class Component>
-void swap_red_and_blue(std::uint8_t* line, std::uint32_t pixels) {
+void swap_red_and_blue(std::uint8_t* line, std::size_t pixels, unsigned channels) {
     auto* pixel = reinterpret_cast<Component*>(line);
-    for (std::uint32_t x = 0; x < pixels; ++x, pixel += 3) std::swap(pixel[0], pixel[2]);
+    for (std::size_t x = 0; x < pixels; ++x, pixel += channels) std::swap(pixel[0], pixel[2]);
 }
 
 // Strips are copied: TIFF wants red first, and the predictor works in the buffer that it is given.
@@ -123,11 +126,12 @@ bool write_strips(TIFF* tiff, const Image& image) {
     std::vector<std::uint8_t> strip(strip_lines * image.LineBytes());
     for (std::uint32_t first = 0, number = 0; first < image.Height(); first += strip_lines, ++number) {
         const std::uint32_t lines = std::min(strip_lines, image.Height() - first);
-        std::memcpy(strip.data(), image.Line(first), lines * image.LineBytes());
+        for (std::uint32_t y = 0; y < lines; ++y)
+            std::memcpy(strip.data() + y * image.LineBytes(), image.Line(first + y), image.LineBytes());
         if (image.IsColour()) {
-            const std::uint32_t pixels = lines * image.Width();
-            image.IsDeep() ? swap_red_and_blue<std::uint16_t>(strip.data(), pixels)
-                           : swap_red_and_blue<std::uint8_t>(strip.data(), pixels);
+            const std::size_t pixels = std::size_t{lines} * image.Width();
+            image.IsDeep() ? swap_red_and_blue<std::uint16_t>(strip.data(), pixels, image.Channels())
+                           : swap_red_and_blue<std::uint8_t>(strip.data(), pixels, image.Channels());
         }
         if (TIFFWriteEncodedStrip(tiff, number, strip.data(), static_cast<tmsize_t>(lines * image.LineBytes())) < 0) return false;
     }

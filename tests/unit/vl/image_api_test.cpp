@@ -150,6 +150,76 @@ TEST(Images, ConvertBetweenAllTypes) {
     EXPECT_STREQ(vlGetLastErrorText(), "vlConvertImage: the source has 2 x 1 pixels, the target image 1 x 2");
 }
 
+TEST(Images, LieInTheCallersMemoryWhereWanted) {
+    Bytes memory(24, 0xEE);
+    VL_IMAGE_HANDLE image = nullptr;
+    EXPECT_EQ(vlMallocEx(2, 2, VL_IMAGE_BGR16, memory.data(), 23, &image), VL_ST_INVALID_BUFFER_SIZE);
+    EXPECT_EQ(vlMallocEx(2, 2, VL_IMAGE_MONO16, memory.data() + 1, 8, &image), VL_ST_INVALID_PARAMETER);
+    ASSERT_EQ(vlMallocEx(2, 2, VL_IMAGE_BGR8, memory.data(), 12, &image), VL_ST_SUCCESS);
+    EXPECT_EQ(image->data, memory.data());
+    EXPECT_EQ(image->stride, 6);
+    Bytes data = {1, 2, 3, 4};
+    const auto raw = record(VL_IMAGE_MONO8, 2, 2, data);
+    ASSERT_EQ(vlFromRAWtoImage(&raw, image, VL_GAIN_ONE, VL_GAIN_ONE, VL_GAIN_ONE), VL_ST_SUCCESS);
+    image->data = nullptr;  // what is written into the record changes nothing
+    ASSERT_EQ(vlSetPixel(image, 0, 0, 0, 0, 0x0900), VL_ST_SUCCESS);
+    ASSERT_EQ(vlFree(image), VL_ST_SUCCESS);
+    EXPECT_EQ(Bytes(memory.begin(), memory.begin() + 13), (Bytes{9, 0, 0, 2, 2, 2, 3, 3, 3, 4, 4, 4, 0xEE}));
+}
+
+TEST(Images, AsBitmapsStandUpsideDownBehindTheirHeader) {
+    Bytes data = {1, 2, 3, 4, 5, 6};
+    const auto raw = record(VL_IMAGE_MONO8, 3, 2, data);
+    OwnedImage grey, colour, plain(3, 2, VL_IMAGE_MONO8);
+    ASSERT_EQ(vlMallocDIB(&raw, grey.Out()), VL_ST_SUCCESS);
+    ASSERT_EQ(vlFromRAWtoDIB(&raw, grey, VL_GAIN_ONE, VL_GAIN_ONE, VL_GAIN_ONE), VL_ST_SUCCESS);
+    const VL_IMAGE& record_of = *static_cast<VL_IMAGE_HANDLE>(grey);
+    EXPECT_EQ(record_of.is_dib, 1u);
+    EXPECT_EQ(record_of.stride, -4);
+    ASSERT_EQ(record_of.memory_size, 40 + 1024 + 8u);
+    EXPECT_EQ(record_of.data, record_of.memory + 40 + 1024 + 4);
+    const std::uint8_t* m = record_of.memory;
+    EXPECT_EQ(Bytes(m, m + 16), (Bytes{40, 0, 0, 0, 3, 0, 0, 0, 2, 0, 0, 0, 1, 0, 8, 0}));
+    EXPECT_EQ(Bytes(m + 40 + 4 * 200, m + 44 + 4 * 200), (Bytes{200, 200, 200, 0}));
+    EXPECT_EQ(Bytes(m + 1064, m + 1072), (Bytes{4, 5, 6, 0, 1, 2, 3, 0}));
+
+    auto bayer = raw;
+    bayer.pixel_type = bayer_rg8;
+    ASSERT_EQ(vlMallocDIB(&bayer, colour.Out()), VL_ST_SUCCESS);
+    EXPECT_EQ(static_cast<VL_IMAGE_HANDLE>(colour)->memory_size, 40 + 24u);
+    ASSERT_EQ(vlFromRAWtoDIBEx(&bayer, colour, VL_DEMOSAIC_BEST, VL_GAIN_ONE, VL_GAIN_ONE, VL_GAIN_ONE, 0, nullptr),
+              VL_ST_SUCCESS);
+    // It is an image like any other.
+    ASSERT_EQ(vlConvertImage(grey, plain), VL_ST_SUCCESS);
+    EXPECT_EQ(plain.Data(), data);
+    ASSERT_EQ(vlFlip(plain, grey, VL_FLIP_VERTICAL), VL_ST_SUCCESS);
+    EXPECT_EQ(Bytes(m + 1064, m + 1072), (Bytes{1, 2, 3, 0, 4, 5, 6, 0}));
+    ASSERT_EQ(vlImageProcessing(grey, "invert", grey), VL_ST_SUCCESS) << vlGetLastErrorText();
+    EXPECT_EQ(m[1064], 254);
+    K_IMAGE_INFO info{};
+    EXPECT_EQ(vlGetImageInfo(grey, &info), VL_ST_NOT_IMPLEMENTED);
+    EXPECT_EQ(vlFromRAWtoDIB(&raw, plain, 1, 1, 1), VL_ST_INVALID_PARAMETER);
+}
+
+TEST(Images, TakeOffsetGainsAndTableInThisOrder) {
+    Bytes data = {20, 100, 200};
+    const auto raw = record(VL_IMAGE_MONO8, 3, 1, data);
+    VL_LUT_HANDLE negative = nullptr;
+    ASSERT_EQ(vlMallocLUT(8, 8, 1, &negative), VL_ST_SUCCESS);
+    ASSERT_EQ(vlCreateLinearLUT(negative, -1, 1), VL_ST_SUCCESS);
+    OwnedImage grey(3, 1, VL_IMAGE_MONO8), deep(3, 1, VL_IMAGE_MONO16), bgra(3, 1, VL_IMAGE_BGRA8);
+    ASSERT_EQ(vlFromRAWtoImageEx(&raw, grey, 0, 1, 8192, 1, -30 * 257, nullptr), VL_ST_SUCCESS);
+    EXPECT_EQ(grey.Data(), (Bytes{0, 140, 255}));
+    ASSERT_EQ(vlFromRAWtoImageEx(&raw, deep, 0, 1, 8192, 1, -30 * 257, negative), VL_ST_SUCCESS);
+    EXPECT_EQ(deep.Data(), (Bytes{255, 255, 115, 115, 0, 0}));
+    ASSERT_EQ(vlFromRAWtoImageEx(&raw, bgra, 0, 4096, 8192, 2048, 257, negative), VL_ST_SUCCESS);
+    EXPECT_EQ(bgra.Data(), (Bytes{244, 213, 234, 255, 204, 53, 154, 255, 154, 0, 54, 255}));
+    ASSERT_EQ(vlFromRAWtoImageEx(&raw, deep, 0, 1, 0xFFFFFFFF, 1, -20 * 257, nullptr), VL_ST_SUCCESS);
+    EXPECT_EQ(deep.Data(), (Bytes{0, 0, 255, 255, 255, 255}));
+    EXPECT_EQ(vlFreeLUT(negative), VL_ST_SUCCESS);
+    EXPECT_EQ(vlFromRAWtoImageEx(&raw, grey, 0, 1, 1, 1, 0, negative), VL_ST_INVALID_HANDLE);
+}
+
 TEST(LastError, BelongsToItsThread) {
     EXPECT_EQ(vlFree(nullptr), VL_ST_INVALID_HANDLE);
     std::thread([] {

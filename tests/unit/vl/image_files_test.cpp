@@ -4,8 +4,12 @@
 #include <tiffio.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <random>
+
+// It needs <cstdio>.
+#include <jpeglib.h>
 
 #include "scratch.h"
 
@@ -76,10 +80,85 @@ Bytes noise(std::size_t size) {
     return bytes;
 }
 
-Bytes red_first(Bytes bytes, std::size_t bytes_per_channel) {
-    for (std::size_t pixel = 0; pixel < bytes.size(); pixel += 3 * bytes_per_channel)
+Bytes red_first(Bytes bytes, std::size_t channels, std::size_t bytes_per_channel) {
+    for (std::size_t pixel = 0; pixel < bytes.size(); pixel += channels * bytes_per_channel)
         for (std::size_t i = 0; i < bytes_per_channel; ++i) std::swap(bytes[pixel + i], bytes[pixel + 2 * bytes_per_channel + i]);
     return bytes;
+}
+
+/// The pixels of an uncompressed BMP file, top line first.
+Picture read_bmp(const std::string& path) {
+    const Bytes file = file_bytes(path);
+    const auto number = [&](std::size_t at, std::size_t bytes) {
+        std::uint32_t value = 0;
+        for (std::size_t i = bytes; i-- > 0;) value = value << 8 | file.at(at + i);
+        return value;
+    };
+    EXPECT_EQ(number(0, 2), 0x4D42u);
+    EXPECT_EQ(number(2, 4), file.size());
+    Picture picture;
+    picture.width = number(18, 4);
+    picture.height = number(22, 4);
+    picture.channels = number(28, 2) / 8;
+    const std::size_t line = (picture.width * picture.channels + 3) / 4 * 4;
+    for (std::uint32_t y = picture.height; y-- > 0;) {
+        const auto at = file.begin() + static_cast<std::ptrdiff_t>(number(10, 4) + y * line);
+        picture.pixels.insert(picture.pixels.end(), at, at + static_cast<std::ptrdiff_t>(picture.width * picture.channels));
+    }
+    return picture;
+}
+
+Picture read_jpeg(const std::string& path) {
+    const Bytes file = file_bytes(path);
+    jpeg_decompress_struct jpeg{};
+    jpeg_error_mgr errors{};
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&jpeg);
+    jpeg_mem_src(&jpeg, file.data(), static_cast<unsigned long>(file.size()));
+    jpeg_read_header(&jpeg, TRUE);
+    if (jpeg.num_components == 3) jpeg.out_color_space = JCS_EXT_BGR;
+    jpeg_start_decompress(&jpeg);
+    Picture picture;
+    picture.width = jpeg.output_width;
+    picture.height = jpeg.output_height;
+    picture.channels = static_cast<std::uint32_t>(jpeg.output_components);
+    Bytes line(picture.width * picture.channels);
+    for (std::uint32_t y = 0; y < picture.height; ++y) {
+        JSAMPROW row = line.data();
+        jpeg_read_scanlines(&jpeg, &row, 1);
+        picture.pixels.insert(picture.pixels.end(), line.begin(), line.end());
+    }
+    jpeg_finish_decompress(&jpeg);
+    jpeg_destroy_decompress(&jpeg);
+    return picture;
+}
+
+// A slope that any encoder can follow; each type as 8 bits a channel is what these formats keep.
+TEST(ImageFiles, AsBmpAndJpegKeepEightBits) {
+    const ScratchFolder folder;
+    for (std::uint64_t type : {VL_IMAGE_MONO8, VL_IMAGE_MONO16, VL_IMAGE_BGR8, VL_IMAGE_BGR16, VL_IMAGE_BGRA8}) {
+        const OwnedImage image(61, 40, type);
+        for (std::uint32_t y = 0; y < 40; ++y)
+            for (std::uint32_t x = 0; x < 61; ++x)
+                vlSetPixel(image, x, y, static_cast<std::uint16_t>(x * 1000), static_cast<std::uint16_t>(y * 1500), 20000);
+        const bool grey = type == VL_IMAGE_MONO8 || type == VL_IMAGE_MONO16;
+        OwnedImage eight(61, 40, grey ? VL_IMAGE_MONO8 : VL_IMAGE_BGR8);
+        ASSERT_EQ(vlConvertImage(image, eight), VL_ST_SUCCESS);
+        const std::string bmp = folder / "a.bmp";
+        const std::string fine = folder / "a.JPG";
+        const std::string coarse = folder / "b.jpeg";
+        ASSERT_EQ(vlStoreToFileA(image, bmp.c_str(), VL_FILE_AUTO), VL_ST_SUCCESS) << vlGetLastErrorText();
+        ASSERT_EQ(vlStoreToFileExA(image, fine.c_str(), VL_FILE_AUTO, 95), VL_ST_SUCCESS) << vlGetLastErrorText();
+        ASSERT_EQ(vlStoreToFileExA(image, coarse.c_str(), VL_FILE_AUTO, 10), VL_ST_SUCCESS) << vlGetLastErrorText();
+        EXPECT_TRUE(read_bmp(bmp).pixels == eight.Data()) << type;
+        EXPECT_LT(file_bytes(coarse).size(), file_bytes(fine).size());
+        const Picture picture = read_jpeg(fine);
+        ASSERT_EQ(picture.pixels.size(), eight.Data().size());
+        const Bytes wanted = eight.Data();
+        for (std::size_t i = 0; i < wanted.size(); ++i) ASSERT_NEAR(picture.pixels[i], wanted[i], 8) << type << " at " << i;
+        for (int bad : {0, 101}) EXPECT_EQ(vlStoreToFileExA(image, fine.c_str(), VL_FILE_JPEG, bad), VL_ST_INVALID_PARAMETER);
+        EXPECT_EQ(vlStoreToFileExA(image, bmp.c_str(), VL_FILE_BMP, 1), VL_ST_INVALID_PARAMETER);
+    }
 }
 
 // 211 x 150 makes several TIFF strips, the last one shorter.
@@ -88,12 +167,13 @@ TEST(ImageFiles, HoldEveryPixelAsItWas) {
     const struct {
         std::uint64_t type;
         std::uint32_t channels, bits;
-    } types[] = {{VL_IMAGE_MONO8, 1, 8}, {VL_IMAGE_MONO16, 1, 16}, {VL_IMAGE_BGR8, 3, 8}, {VL_IMAGE_BGR16, 3, 16}};
+    } types[] = {
+        {VL_IMAGE_MONO8, 1, 8}, {VL_IMAGE_MONO16, 1, 16}, {VL_IMAGE_BGR8, 3, 8}, {VL_IMAGE_BGR16, 3, 16}, {VL_IMAGE_BGRA8, 4, 8}};
     for (const auto& type : types) {
         OwnedImage image(211, 150, type.type);
         const Bytes pixels = noise(std::size_t{211} * 150 * type.channels * type.bits / 8);
         image.Fill(pixels);
-        const Bytes wanted = type.channels == 3 ? red_first(pixels, type.bits / 8) : pixels;
+        const Bytes wanted = type.channels > 1 ? red_first(pixels, type.channels, type.bits / 8) : pixels;
         for (int compression : {-1, 0, 1, 9}) {
             const std::string png = folder / "image.PNG";
             const std::string tiff = folder / "image.tif";
@@ -155,7 +235,7 @@ TEST(ImageFiles, ThatCannotBeWrittenLeaveNothingBehind) {
     }
     EXPECT_EQ(vlStoreToFileA(image, (folder / "shot.xyz").c_str(), VL_FILE_AUTO), VL_ST_INVALID_PARAMETER);
     EXPECT_EQ(vlStoreToFileA(image, (folder / "tiff").c_str(), VL_FILE_AUTO), VL_ST_INVALID_PARAMETER);
-    EXPECT_EQ(vlStoreToFileA(image, (folder / "shot.png").c_str(), 9), VL_ST_INVALID_PARAMETER);
+    EXPECT_EQ(vlStoreToFileA(image, (folder / "shot.png").c_str(), 99), VL_ST_INVALID_PARAMETER);
     EXPECT_EQ(vlStoreToFileExA(image, (folder / "shot.png").c_str(), VL_FILE_PNG, 10), VL_ST_INVALID_PARAMETER);
     EXPECT_EQ(vlStoreToFileExA(image, (folder / "shot.png").c_str(), VL_FILE_PNG, -2), VL_ST_INVALID_PARAMETER);
     EXPECT_EQ(folder.Entries(), 2u);
