@@ -1,5 +1,6 @@
 #include "kiv/platform/debug_output.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -20,6 +21,7 @@ struct Sink {
 };
 
 struct SinkState {
+    std::atomic<bool> present{false};  // what `current` is, for those who only want to know whether
     std::mutex lock;
     std::condition_variable left;
     std::shared_ptr<Sink> current;
@@ -55,13 +57,20 @@ void call_sink(const std::string& text) {
 
 }  // namespace
 
+bool debug_output_is_heard() noexcept {
+    return state().present.load(std::memory_order_relaxed) || system_debug_output_is_heard();
+}
+
 void debug_print(std::string_view text) noexcept try {
+    if (!debug_output_is_heard()) return;
     write_system_debug_output(text);
     call_sink(std::string(text));
 } catch (...) {  // no memory: the diagnostic is lost
 }
 
-void debug_print(std::wstring_view text) noexcept try { debug_print(std::string_view(utf8_from_wide(text))); } catch (...) {
+void debug_print(std::wstring_view text) noexcept try {
+    if (debug_output_is_heard()) debug_print(std::string_view(utf8_from_wide(text)));
+} catch (...) {  // no memory: the diagnostic is lost
 }
 
 void set_debug_sink(DebugSink sink, void* context) noexcept {
@@ -69,6 +78,7 @@ void set_debug_sink(DebugSink sink, void* context) noexcept {
     SinkState& sinks = state();
     std::unique_lock lock(sinks.lock);
     const std::shared_ptr<Sink> former = std::exchange(sinks.current, std::move(next));
+    sinks.present = sinks.current != nullptr;
     // Two callbacks that replace the sink at once would wait for each other.
     if (former && inside_on_this_thread == 0) sinks.left.wait(lock, [&] { return former->inside == 0; });
 }

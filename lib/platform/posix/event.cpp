@@ -122,6 +122,10 @@ std::optional<std::size_t> wait_any(std::span<Event* const> events, Milliseconds
         // In order, and each one asked again: another waiter may have been faster.
         for (std::size_t i = 0; ready > 0 && i < events.size(); ++i)
             if (events[i]->TryTake()) return i;
+        // A descriptor that somebody closed under us would be reported at once, for ever.
+        const auto invalid = [](const pollfd& each) { return (each.revents & POLLNVAL) != 0; };
+        if (ready > 0 && std::any_of(watched.begin(), watched.begin() + events.size(), invalid))
+            throw std::system_error(EBADF, std::generic_category(), "cannot wait for events");
         if (!forever && Clock::now() >= deadline) return std::nullopt;
     }
 }

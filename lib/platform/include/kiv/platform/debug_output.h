@@ -11,6 +11,9 @@ namespace kiv::platform {
 void debug_print(std::string_view text) noexcept;
 void debug_print(std::wstring_view text) noexcept;
 
+/// Whether a text would reach anybody now; debug_print() does nothing where it would not. Cheap enough for every frame.
+bool debug_output_is_heard() noexcept;
+
 /// Receives every text as UTF-8, on the thread that printed it, several threads at a time.
 using DebugSink = void (*)(const char* text, void* context);
 
