@@ -59,9 +59,28 @@ K_API K_STATUS_CODES K_CALL K_GenTL_DevGetPort(void* hDevice, CAM_HANDLE* phPort
 K_API K_STATUS_CODES K_CALL K_GenTL_GetPortURLInfo(CAM_HANDLE hPort, uint32_t openOption);
 K_API K_STATUS_CODES K_CALL K_GenTL_GetNumPortURLs(CAM_HANDLE hPort, uint32_t* pCount);
 
-/* The node maps of modules. hModule is a transport layer, an interface, a DEV_HANDLE (the local device module), a camera, or an
-   image stream. The maps are built when first asked for. K_ST_NO_DATA: the module has none, or there is no such node, category or
-   feature; names and results are otherwise as in camera.h, except that sub-features are INode handles. */
+/* Events of the modules, without a thread of the library's and without a target: the producer's own EVENT_HANDLEs, for programs
+   that pull the data themselves. They end with their module. event.h has the comfortable way. */
+
+/**
+ * Registers an event of a stream. hStream is the producer's DS_HANDLE, or a STREAM_HANDLE, or a THRD_HANDLE, which stand for
+ * theirs. kind as in event.h; *phEvent receives the producer's EVENT_HANDLE.
+ */
+K_API K_STATUS_CODES K_CALL K_GenTL_DataStream_RegisterEvent(TRANSPORT_LAYER_HANDLE hTransportLayer, void* hStream, uint32_t kind,
+                                                             void** phEvent);
+/** Waits for up to timeoutMs milliseconds and takes the data of the oldest event. A null buffer throws them away. */
+K_API K_STATUS_CODES K_CALL K_GenTL_Event_GetData(TRANSPORT_LAYER_HANDLE hTransportLayer, void* hEvent, void* buffer,
+                                                  uint32_t* pSize, uint64_t timeoutMs);
+/**
+ * Registers what a GigE Vision producer of the house tells about a device: events[0] is kind 1000 (event messages), events[1]
+ * 1001, events[2] 1004. hDevice is the producer's DEV_HANDLE or a camera. A kind that the producer refuses is null; when it
+ * refuses all, its first status is returned and nothing is written. Any other producer: K_ST_NOT_IMPLEMENTED.
+ */
+K_API K_STATUS_CODES K_CALL K_GenTL_GigE_CreateEvents(TRANSPORT_LAYER_HANDLE hTransportLayer, void* hDevice, void* events[3]);
+
+/* The node maps of modules. hModule is a transport layer, an interface, a DEV_HANDLE (the local device module), a camera, a data
+   stream, or an image stream. The maps are built when first asked for. K_ST_NO_DATA: the module has none, or there is no such
+   node, category or feature; names and results are otherwise as in camera.h, except that sub-features are INode handles. */
 
 K_API K_STATUS_CODES K_CALL K_GenTL_GetNumOfNodes(void* hModule, uint32_t* pCount);
 K_API K_STATUS_CODES K_CALL K_GenTL_GetNodeByName(void* hModule, const char* name, NODE_HANDLE* phNode);

@@ -34,9 +34,7 @@ void BufferRing::Revoke(GenTL::DS_HANDLE stream) {
         void* memory = nullptr;
         void* context = nullptr;
         kiv::answer_of([&] { return producer_.DSRevokeBuffer(stream, buffers_[i].handle, &memory, &context); });
-        buffers_[i] = {};
     }
-    count_ = 0;
 }
 
 bool BufferRing::Holds(const void* base, std::size_t size) const {

@@ -19,7 +19,8 @@ public:
 
     /// Allocates, announces and queues up to ten buffers; the first refusal ends it. Answers how many are queued.
     std::size_t Fill(GenTL::DS_HANDLE stream);
-    /// Takes the announced buffers back from the producer and frees them. The acquisition must be stopped.
+    /// Takes the announced buffers back from the producer. The acquisition must be stopped. The memory stays until the ring goes:
+    /// a producer that refuses to give a buffer back may write into it until the stream is closed.
     void Revoke(GenTL::DS_HANDLE stream);
 
     std::size_t Count() const { return count_; }

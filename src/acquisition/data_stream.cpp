@@ -30,7 +30,7 @@ std::shared_ptr<CDataStreamClass> CDataStreamClass::On(CCameraClass& camera) {
 }
 
 CDataStreamClass::CDataStreamClass(CCameraClass& camera)
-    : producer_(camera.Producer()), device_(camera.DeviceHandle()), camera_(&camera) {
+    : producer_(camera.Producer()), device_(camera.DeviceHandle()), remote_device_(camera.ShareRemoteDevice()), camera_(&camera) {
     if (auto* map = camera.GetNodeMap()) parameters_locked_ = map->GetNode("TLParamsLocked");
 }
 

@@ -55,7 +55,8 @@ private:
     CTLWrapper& producer_;
     GenTL::DEV_HANDLE device_;
     GenTL::DS_HANDLE stream_ = nullptr;
-    GenApi::INode* parameters_locked_ = nullptr;  // the camera's; good while it is open
+    std::shared_ptr<CRemoteDeviceClass> remote_device_;  // so that the node outlives a camera that closes under a call
+    GenApi::INode* parameters_locked_ = nullptr;
     std::shared_ptr<kiv::ModuleEvents> events_;
     std::mutex close_lock_;
     CCameraClass* camera_;  // null once closed

@@ -9,22 +9,24 @@ namespace ImageLib {
 
 using GenICam::Factory::CCameraClass;
 
+std::shared_ptr<CImageStream> CImageStream::On(CCameraClass& camera) {
+    auto stream = std::make_shared<CImageStream>(camera);
+    if (!camera.Attach(stream)) {
+        stream->camera_ = nullptr;
+        kiv::fail(K_ST_INVALID_HANDLE);
+    }
+    stream->LockParameters(true);
+    return stream;
+}
+
 CImageStream::CImageStream(CCameraClass& camera) : producer_(camera.Producer()), camera_(&camera) {
     if (auto* map = camera.GetNodeMap()) parameters_locked_ = map->GetNode("TLParamsLocked");
-    if (!camera.Attach(*this)) camera_ = nullptr;
-    LockParameters(true);
 }
 
-CImageStream::~CImageStream() {
-    if (camera_) camera_->Detach(*this);
-    CloseThread();
-    LockParameters(false);
-    node_map_.reset();
-}
+CImageStream::~CImageStream() { End(); }
 
 void CImageStream::Open(std::uint32_t stream_index, std::uint32_t buffer_size, std::uint32_t multicast, ImageCallback callback) {
-    if (!camera_) return;
-    auto thread = std::make_shared<CStreamThread>(*camera_);
+    auto thread = std::make_shared<CStreamThread>(*camera_, display_);
     if (thread->Open(stream_index, buffer_size, multicast, callback)) thread_ = std::move(thread);
 }
 
@@ -35,21 +37,20 @@ void CImageStream::BuildOwnNodeMap() {
     BuildNodeMap(producer_, stream, "StreamPort");
 }
 
-void CImageStream::CloseThread() {
+void CImageStream::End() noexcept {
+    // Not under the lock: it waits for a callback, which may be about to end the stream itself.
     if (thread_) thread_->Close();
-    thread_.reset();
-}
-
-void CImageStream::CameraCloses() {
-    CloseThread();
+    std::lock_guard lock(end_lock_);
+    auto* camera = camera_.load();
+    if (!camera) return;
     LockParameters(false);
-    parameters_locked_ = nullptr;
-    node_map_.reset();
+    Disconnect();
     camera_ = nullptr;
+    camera->Detach(*this);
 }
 
 void CImageStream::LockParameters(bool lock) noexcept {
-    if (!parameters_locked_ || !camera_) return;
+    if (!parameters_locked_) return;
     try {
         kiv::set_int64(*parameters_locked_, true, lock ? 1 : 0);
     } catch (const GenICam::GenericException& error) {

@@ -1,13 +1,11 @@
 #include "acquisition/stream_thread.h"
 
-#include <GenICam/exceptions.h>
-#include <kiv/image.h>
 #include <kiv/platform/debug_output.h>
 #include <kiv/platform/thread.h>
 
 #include <chrono>
 
-#include "acquisition/image_info.h"
+#include "acquisition/stream_loop.h"
 
 namespace ImageLib {
 
@@ -15,7 +13,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::uint64_t event_timeout_ms = 1000;
+constexpr auto longest_start = 5000ms;
+constexpr auto longest_call = 5000ms;
 constexpr std::uint64_t without_end = ~std::uint64_t{0};
 constexpr std::size_t longest_stream_id = 65536;
 
@@ -29,18 +28,29 @@ void report(const char* call, GenTL::GC_ERROR status) {
 
 }  // namespace
 
-void ImageCallback::operator()(K_IMAGE_INFO& info) const {
-    if (!function) return;
-    if (context)
-        reinterpret_cast<K_IMAGE_CONTEXT_CALLBACK>(function)(context, &info);
-    else
-        reinterpret_cast<K_IMAGE_CALLBACK>(function)(&info);
+void ImageCallback::operator()(K_IMAGE_INFO& info) const noexcept {
+    try {
+        if (context)
+            reinterpret_cast<K_IMAGE_CONTEXT_CALLBACK>(function)(context, &info);
+        else
+            reinterpret_cast<K_IMAGE_CALLBACK>(function)(&info);
+    } catch (...) {
+        kiv::platform::debug_print("CStreamThread: the image callback threw an exception.\n");
+    }
 }
 
-CStreamThread::CStreamThread(GenICam::Factory::CCameraClass& camera)
-    : producer_(camera.Producer()), device_(camera.DeviceHandle()) {}
+CStreamThread::CStreamThread(GenICam::Factory::CCameraClass& camera, std::shared_ptr<DisplayControl> display)
+    : camera_(camera),
+      producer_(camera.Producer()),
+      device_(camera.DeviceHandle()),
+      remote_(camera.ShareRemoteDevice()),
+      display_(std::move(display)) {}
 
-CStreamThread::~CStreamThread() { Close(); }
+CStreamThread::~CStreamThread() {
+    // The loop shares this object: it has ended, or it is what destroys it.
+    if (!thread_.joinable()) return;
+    IsLoop() ? thread_.detach() : thread_.join();
+}
 
 bool CStreamThread::OpenDataStream(std::uint32_t stream_index, std::uint32_t multicast) {
     GenTL::DS_HANDLE opened = nullptr;
@@ -76,109 +86,164 @@ bool CStreamThread::Open(std::uint32_t stream_index, std::uint32_t buffer_size, 
         return false;
     }
     callback_ = callback;
+    is_gige_ = producer_.IsGigE();
+    if (StartLoop()) return true;
+    running_ = false;
+    CloseDataStream();
+    return false;
+}
+
+bool CStreamThread::StartLoop() {
     running_ = true;
     try {
         thread_ = std::thread([self = shared_from_this()] { self->StreamProcess(); });
-    } catch (const std::system_error&) {
-        running_ = false;
-        CloseDataStream();
+    } catch (const std::system_error& error) {
+        kiv::platform::debug_print(std::string("CStreamThread: no thread: ") + error.what() + "\n");
         return false;
     }
-    bool answered = started_.Wait(5000ms);
-    if (answered && started_well_) return true;
+    if (started_.Wait(longest_start)) {
+        if (!started_well_) Join();
+        return started_well_;
+    }
+    kiv::platform::debug_print("CStreamThread: the producer does not come back from its start.\n");
     running_ = false;
-    CloseDataStream();
-    // A producer that does not come back from its start keeps the thread; it finds running_ cleared when it does.
-    answered ? thread_.join() : thread_.detach();
+    gate_.ShutNow();
+    Abandon();
     return false;
 }
 
 bool CStreamThread::StartInProducer() {
-    is_gige_ = producer_.IsGigE();
-    auto status = producer_.GCRegisterEvent(stream_, GenTL::EVENT_NEW_BUFFER, &new_buffer_event_);
+    auto status = gate_.Through([&] { return producer_.GCRegisterEvent(stream_, GenTL::EVENT_NEW_BUFFER, &new_buffer_event_); });
     if (status != GenTL::GC_ERR_SUCCESS) {
+        new_buffer_event_ = nullptr;
         report("GCRegisterEvent", status);
         return false;
     }
-    GenTL::ACQ_START_FLAGS flags = is_gige_ ? 1 : 0;
-    status = producer_.DSStartAcquisition(stream_, flags, without_end);
-    if (flags != 0 && refused_for_its_form(status)) status = producer_.DSStartAcquisition(stream_, 0, without_end);
+    auto start = [&](GenTL::ACQ_START_FLAGS flags) {
+        return gate_.Through([&] { return producer_.DSStartAcquisition(stream_, flags, without_end); });
+    };
+    status = start(is_gige_ ? 1 : 0);
+    if (is_gige_ && refused_for_its_form(status)) status = start(0);
     if (status == GenTL::GC_ERR_SUCCESS) return true;
     report("DSStartAcquisition", status);
-    producer_.GCUnregisterEvent(stream_, GenTL::EVENT_NEW_BUFFER);
+    EndInProducer(By::gate);
     return false;
 }
 
 void CStreamThread::StreamProcess() {
     kiv::platform::set_thread_name("kiv-stream");
-    started_well_ = kiv::answer_of([&] { return StartInProducer() ? K_ST_SUCCESS : K_ST_ERROR; }) == K_ST_SUCCESS;
-    started_.Set();
-    if (!started_well_) return;
-
-    K_IMAGE_INFO info{};
-    while (running_) {
-        info.pass_state = 1;
-        GenTL::EVENT_NEW_BUFFER_DATA filled{};
-        std::size_t size = sizeof filled;
-        auto status = kiv::answer_of([&] { return producer_.EventGetData(new_buffer_event_, &filled, &size, event_timeout_ms); });
-        if (status == GenTL::GC_ERR_SUCCESS) {
-            OneImage(filled, info);
-        } else if (status != GenTL::GC_ERR_TIMEOUT && status != GenTL::GC_ERR_ABORT && running_) {
-            // A producer whose device is gone may fail at once, for ever: without a pause that would take a whole core.
-            std::this_thread::sleep_for(10ms);
-        }
+    loop_id_ = std::this_thread::get_id();
+    // Callbacks that run inside the node map may close the camera.
+    const auto remote = remote_;
+    try {
+        started_well_ = StartInProducer();
+        started_.Set();
+        if (!started_well_) return ended_.Set();
+        Loop(*this, *remote).Run();
+        if (remote->Chunks().Detach() != K_ST_SUCCESS)
+            kiv::platform::debug_print(L"Error with K_Camera_DetachChunkData in CStreamThread::StreamProcess.\n");
+        EndInProducer(By::gate);
+    } catch (const ProducerGate::Shut&) {
+        // Whoever shut the gate has given everything back, or is about to.
     }
-    if (!closed_inside_) EndEvents();
     kiv::platform::debug_print(L">>> Terminated Stream Process Loop.\n");
-}
-
-void CStreamThread::OneImage(const GenTL::EVENT_NEW_BUFFER_DATA& filled, K_IMAGE_INFO& info) {
-    auto described = kiv::answer_of([&] {
-        return describe_buffer(producer_, stream_, filled.BufferHandle, *ring_, is_gige_, info) ? K_ST_SUCCESS : K_ST_NO_DATA;
-    });
-    if (described == K_ST_SUCCESS) {
-        info.pass_state = 2;
-        if (!running_) return;  // closing: the buffer is revoked, not queued again
-        callback_(info);
-        if (closed_inside_) return;
-    }
-    if (filled.BufferHandle) kiv::answer_of([&] { return producer_.DSQueueBuffer(stream_, filled.BufferHandle); });
+    ended_.Set();
 }
 
 void CStreamThread::Close() {
     if (!stream_) return;
-    running_ = false;
-    kiv::answer_of([&] { return producer_.DSStopAcquisition(stream_, GenTL::ACQ_STOP_FLAGS_KILL); });
-    if (thread_.get_id() == std::this_thread::get_id()) {
-        // Inside the callback: nobody else uses the stream now, and the loop leaves without touching it again.
-        closed_inside_ = true;
-        EndEvents();
-        thread_.detach();
-    } else {
-        // Where the producer can end a wait the loop need not sit out its time.
-        KillWait();
-        if (thread_.joinable()) thread_.join();
-    }
+    StopInProducer();
+    if (!IsLoop()) WaitForLoop();
     GiveBack();
+    if (!IsLoop()) Join();
 }
 
-void CStreamThread::KillWait() {
-    std::lock_guard lock(event_lock_);
-    if (producer_.EventKill && new_buffer_event_) kiv::answer_of([&] { return producer_.EventKill(new_buffer_event_); });
+void CStreamThread::StopInProducer() {
+    running_ = false;
+    // A second close waits here: the stream must not be closed before this one is through.
+    std::call_once(stopped_, [&] {
+        kiv::answer_of([&] { return producer_.DSStopAcquisition(stream_, GenTL::ACQ_STOP_FLAGS_KILL); });
+        // Where the producer can end a wait the loop need not sit out its time.
+        std::lock_guard lock(event_lock_);
+        if (producer_.EventKill && new_buffer_event_ && !IsLoop())
+            kiv::answer_of([&] { return producer_.EventKill(new_buffer_event_); });
+    });
 }
 
-void CStreamThread::EndEvents() {
-    std::lock_guard lock(event_lock_);
-    new_buffer_event_ = nullptr;
-    kiv::answer_of([&] { return producer_.GCUnregisterEvent(stream_, GenTL::EVENT_NEW_BUFFER); });
+void CStreamThread::WaitForLoop() {
+    auto seen = gate_.Look();
+    while (!ended_.Wait(longest_call)) {
+        if (gate_.ShutIfStillInside(seen)) return Abandon();
+        seen = gate_.Look();
+    }
+}
+
+void CStreamThread::Abandon() {
+    kiv::platform::debug_print("CStreamThread: a thread that the producer does not let go of is left to itself.\n");
+    std::lock_guard lock(join_lock_);
+    producer_code_ = producer_.Code();
+    abandoned_ = true;
+    if (thread_.joinable()) thread_.detach();
+}
+
+void CStreamThread::EndInProducer(By way) {
+    GenTL::EVENT_HANDLE ended = nullptr;
+    {
+        std::lock_guard lock(event_lock_);
+        ended = std::exchange(new_buffer_event_, nullptr);
+    }
+    if (!ended) return;
+    auto unregister = [&] { return producer_.GCUnregisterEvent(stream_, GenTL::EVENT_NEW_BUFFER); };
+    way == By::gate ? gate_.Through(unregister) : kiv::answer_of(unregister);
 }
 
 void CStreamThread::GiveBack() {
+    std::lock_guard lock(close_lock_);
+    if (std::exchange(given_back_, true)) return;
+    AskLost();
+    EndInProducer(By::hand);
+    // From here on the loop, in whose callback this may be, must not come back to the stream.
+    if (IsLoop()) gate_.ShutNow();
+    remote_->Chunks().Detach();
+    remote_.reset();
     auto stream = stream_.load();
     kiv::answer_of([&] { return producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_INPUT_TO_OUTPUT); });
     kiv::answer_of([&] { return producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_OUTPUT_DISCARD); });
     ring_->Revoke(stream);
     CloseDataStream();
+    // A callback may still look at its image, and a producer that never came back write into it.
+    if (!IsLoop() && !abandoned_) ring_.reset();
+}
+
+void CStreamThread::Join() {
+    std::lock_guard lock(join_lock_);
+    if (thread_.joinable()) thread_.join();
+}
+
+void CStreamThread::AskLost() {
+    if (!stream_) return;
+    std::uint64_t lost = 0;
+    std::size_t size = sizeof lost;
+    GenTL::INFO_DATATYPE type = 0;
+    auto status =
+        kiv::answer_of([&] { return producer_.DSGetInfo(stream_, GenTL::STREAM_INFO_NUM_UNDERRUN, &type, &lost, &size); });
+    if (status == GenTL::GC_ERR_SUCCESS) statistics_.lost = lost;
+}
+
+K_STREAM_STATISTICS CStreamThread::Statistics() {
+    std::lock_guard lock(close_lock_);
+    if (!given_back_) AskLost();
+    return statistics_.Snapshot();
+}
+
+K_STATUS_CODES CStreamThread::BufferInfo(GenTL::BUFFER_INFO_CMD command, void* result, std::size_t* size) {
+    if (!IsLoop() || !current_) return K_ST_NOT_AVAILABLE;
+    GenTL::INFO_DATATYPE type = 0;
+    try {
+        return gate_.Through([&] { return producer_.DSGetBufferInfo(stream_, current_, command, &type, result, size); });
+    } catch (const ProducerGate::Shut&) {
+        return K_ST_ABORT;
+    }
 }
 
 }  // namespace ImageLib

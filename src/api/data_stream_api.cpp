@@ -21,10 +21,16 @@ K_API K_STATUS_CODES K_CALL K_Camera_GetNumOfDataStreams(CAM_HANDLE hCamera, uin
     });
 }
 
+// What was opened in the producer stays there until the camera closes; what was not need not wait for that.
+static K_STATUS_CODES give_up(CDataStreamClass& stream, K_STATUS_CODES status) {
+    if (!stream.Handle()) stream.Close();
+    return status;
+}
+
 // The step that both ways of opening end with: whatever keeps the stream's own node map from being built is a bad handle.
 static K_STATUS_CODES complete(std::shared_ptr<CDataStreamClass> stream, STREAM_HANDLE& result) {
     auto built = guarded([&] { return stream->BuildOwnNodeMap(), K_ST_SUCCESS; });
-    if (built != K_ST_SUCCESS) return K_ST_INVALID_HANDLE;
+    if (built != K_ST_SUCCESS) return give_up(*stream, K_ST_INVALID_HANDLE);
     result = open_handle<STREAM_HANDLE>(std::move(stream));
     return K_ST_SUCCESS;
 }
@@ -35,7 +41,8 @@ K_API K_STATUS_CODES K_CALL K_Camera_CreateDataStream(CAM_HANDLE hCamera, uint32
         auto& result = out(phStream);
         auto stream = CDataStreamClass::On(opened);
         auto status = stream->Open(index);
-        return status == K_ST_SUCCESS ? complete(std::move(stream), result) : status;
+        if (status != K_ST_SUCCESS) return give_up(*stream, status);
+        return complete(std::move(stream), result);
     });
 }
 

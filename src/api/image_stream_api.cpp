@@ -1,4 +1,5 @@
 // K_Image_*: the image stream.
+#include <kiv/camera.h>
 #include <kiv/image.h>
 
 #include "acquisition/image_stream.h"
@@ -13,14 +14,13 @@ static K_STATUS_CODES open_stream(CAM_HANDLE hCamera, uint32_t streamIndex, Imag
                                   THRD_HANDLE* phThread, uint32_t bufferSize, uint32_t multicast) {
     auto& opened = camera(hCamera);
     auto& result = out(phThread);
-    auto stream = std::make_unique<CImageStream>(opened);
+    auto stream = CImageStream::On(opened);
     stream->Open(streamIndex, bufferSize, multicast, callback);
-    auto& owned_by_caller = *stream;
-    result = handle_to<THRD_HANDLE>(stream.release());
+    result = static_cast<THRD_HANDLE>(share_handle(stream, HandleKind::thread));
     // Whatever keeps the stream's own node map from being built: the handle is the caller's already.
     return guarded_as(K_ST_INVALID_HANDLE, [&] {
         try {
-            owned_by_caller.BuildOwnNodeMap();
+            stream->BuildOwnNodeMap();
         } catch (const StatusError&) {
             fail(K_ST_INVALID_HANDLE);
         }
@@ -41,19 +41,18 @@ K_API K_STATUS_CODES K_CALL K_Image_OpenStreamLight(CAM_HANDLE hCamera, uint32_t
 }
 
 K_API K_STATUS_CODES K_CALL K_Image_CloseStream(THRD_HANDLE hThread) {
-    return guarded([&]() -> K_STATUS_CODES {
-        if (!retire_handle(hThread, HandleKind::thread)) return K_ST_INVALID_HANDLE;
-        std::unique_ptr<CImageStream> closed(reinterpret_cast<CImageStream*>(hThread));
+    return guarded([&] {
+        closed<CImageStream>(hThread)->End();
         return K_ST_SUCCESS;
     });
 }
 
 K_API K_STATUS_CODES K_CALL K_Image_GetStreamInfo(THRD_HANDLE hThread, int32_t infoCmd, void* buffer, uint32_t* pSize) {
     return guarded([&] {
-        auto& stream = image_stream(hThread);
-        auto get = entry(stream.Producer().DSGetInfo);
+        auto stream = image_stream(hThread);
+        auto get = entry(stream->Producer().DSGetInfo);
         auto& size = out(pSize);
-        auto opened = stream.Stream();
+        auto opened = stream->Stream();
         handle(opened);
         return get(opened, infoCmd, Ignored<GenTL::INFO_DATATYPE>(), buffer, WideSize(size));
     });
@@ -61,8 +60,59 @@ K_API K_STATUS_CODES K_CALL K_Image_GetStreamInfo(THRD_HANDLE hThread, int32_t i
 
 K_API K_STATUS_CODES K_CALL K_Image_GetStreamHandle(THRD_HANDLE hThread, void** phStream) {
     return guarded([&] {
-        auto& stream = image_stream(hThread);
-        out(phStream) = stream.Stream();
+        auto stream = image_stream(hThread);
+        out(phStream) = stream->Stream();
+        return K_ST_SUCCESS;
+    });
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_DSStartAcquisition(THRD_HANDLE hThread, int32_t flags, uint64_t count) {
+    return guarded([&] {
+        auto stream = image_stream(hThread);
+        auto start = entry(stream->Producer().DSStartAcquisition);
+        auto opened = stream->Stream();
+        handle(opened);
+        return start(opened, flags, count);
+    });
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_DSStopAcquisition(THRD_HANDLE hThread, int32_t flags) {
+    return guarded([&] {
+        auto stream = image_stream(hThread);
+        auto stop = entry(stream->Producer().DSStopAcquisition);
+        auto opened = stream->Stream();
+        handle(opened);
+        return stop(opened, flags);
+    });
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_DSExecuteCommand(CAM_HANDLE hCamera, const char* featureName) {
+    return K_Camera_ExecuteCommand(hCamera, featureName);
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_DSGetValueInt64(CAM_HANDLE hCamera, const char* featureName, int64_t* pValue) {
+    return K_Camera_GetValueInt64(hCamera, featureName, pValue);
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_DSSetValueInt64(CAM_HANDLE hCamera, const char* featureName, int64_t value) {
+    return K_Camera_SetValueInt64(hCamera, featureName, value);
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_GetBufferInfo(THRD_HANDLE hThread, int32_t infoCmd, void* buffer, uint32_t* pSize) {
+    return guarded([&] {
+        auto stream = image_stream(hThread);
+        auto& size = out(pSize);
+        auto* thread = stream->Thread();
+        handle(thread);
+        return thread->BufferInfo(infoCmd, buffer, WideSize(size));
+    });
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_GetStreamStatistics(THRD_HANDLE hThread, K_STREAM_STATISTICS* pStatistics) {
+    return guarded([&] {
+        auto stream = image_stream(hThread);
+        auto& statistics = out(pStatistics);
+        statistics = stream->Thread() ? stream->Thread()->Statistics() : K_STREAM_STATISTICS{};
         return K_ST_SUCCESS;
     });
 }

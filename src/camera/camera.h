@@ -19,12 +19,10 @@ class CFactory;
 /// Something that runs on a camera and has to end before the camera does.
 class CCameraAttachment {
 public:
+    virtual ~CCameraAttachment() = default;
     /// Ends everything that uses the camera. Called once, on the thread that closes the camera; the attachment must not touch the
     /// camera afterwards.
     virtual void CameraCloses() = 0;
-
-protected:
-    ~CCameraAttachment() = default;
 };
 
 class CCameraClass {
@@ -46,6 +44,8 @@ public:
     /// From now on the camera closes the device, which nobody else may own.
     void TakeDevice();
     CRemoteDeviceClass& RemoteDevice() { return *remote_device_; }
+    /// For whoever runs other people's callbacks inside the node map. The camera disconnects it when it goes.
+    std::shared_ptr<CRemoteDeviceClass> ShareRemoteDevice() const { return remote_device_; }
     /// Null when the camera has none.
     GenApi::INodeMap* GetNodeMap() noexcept { return remote_device_ ? remote_device_->GetNodeMap() : nullptr; }
 
@@ -54,9 +54,20 @@ public:
     CFactory* Factory() const { return factory_; }
     void SetFactory(CFactory& factory) { factory_ = &factory; }
 
-    /// An attachment that is added to a camera that is closing is told at once: false.
-    bool Attach(CCameraAttachment& attachment);
-    void Detach(CCameraAttachment& attachment);
+    /// False: the camera is closing already, and the attachment will not be told. The last one attached is the first one ended.
+    bool Attach(std::shared_ptr<CCameraAttachment> attachment);
+    void Detach(const CCameraAttachment& attachment);
+    /// The attachment of that type, made when there is none. Null: the camera is closing already.
+    template <class Attachment, class Make>
+    std::shared_ptr<Attachment> AttachmentOf(Make make) {
+        GEV::CAutoLock lock(section_);
+        if (closing_) return nullptr;
+        for (auto& each : attachments_)
+            if (auto found = std::dynamic_pointer_cast<Attachment>(each)) return found;
+        std::shared_ptr<Attachment> made = make();
+        attachments_.push_back(made);
+        return made;
+    }
     void EndAttachments();
 
 private:
@@ -70,11 +81,11 @@ private:
     CTLWrapper& producer_;
     GenTL::IF_HANDLE interface_;
     OpenDevice device_;
-    std::unique_ptr<CRemoteDeviceClass> remote_device_;
+    std::shared_ptr<CRemoteDeviceClass> remote_device_;
     kiv::PixelFormatTables pixel_formats_;
     CFactory* factory_ = nullptr;
     GEV::CCriticalSection section_;
-    std::vector<CCameraAttachment*> attachments_;
+    std::vector<std::shared_ptr<CCameraAttachment>> attachments_;
     bool closing_ = false;
     kiv::LiveHandle live_{this, kiv::HandleKind::camera};
 };

@@ -19,7 +19,13 @@ void CModuleNodeMap::BuildNodeMap(const CTLWrapper& producer, GenTL::PORT_HANDLE
     if (!map->Connect(implementation.get(), port_name))
         throw RuntimeException("The description at " + url + " has no port named '" + port_name + "'.", "ModuleNodeMap",
                                __LINE__);
-    node_map_.reset();
+    if (node_map_) {
+        auto former = std::make_unique<CModuleNodeMap>();
+        former->former_ = std::move(former_);
+        former->port_ = std::move(port_);
+        former->node_map_ = std::move(node_map_);
+        former_ = std::move(former);
+    }
     port_ = std::move(implementation);
     node_map_ = std::move(map);
 }

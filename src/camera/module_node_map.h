@@ -27,9 +27,19 @@ public:
     /// exceptions and StatusError.
     virtual void BuildNodeMap(const CTLWrapper& producer, GenTL::PORT_HANDLE port, const std::string& port_name);
 
+    /// Ends all access to the module, which is about to close; the map stays for those who are inside it.
+    void Disconnect() noexcept {
+        if (port_) port_->Disconnect();
+        if (former_) former_->Disconnect();
+    }
+
 protected:
     std::unique_ptr<MyPortImp> port_;  // before the map, which borrows it
     std::unique_ptr<GenApi::INodeMap> node_map_;
+
+private:
+    // A map that was built anew: callers have its nodes, and adapters their ports in it.
+    std::unique_ptr<CModuleNodeMap> former_;
 };
 
 /// The own node map of a producer's module (system, interface, local device), kept in its module's slot.

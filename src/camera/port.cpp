@@ -60,6 +60,8 @@ std::string reason(K_STATUS_CODES status) {
     return "unknown error";
 }
 
+constexpr GenTL::GC_ERROR closed = K_ST_INVALID_HANDLE;
+
 void require_transferred(GenTL::GC_ERROR status, const Operation& operation, int64_t address, int64_t length) {
     if (status == GenTL::GC_ERR_SUCCESS) return;
     auto message = formatted("%s returned %s in %s. Addr=0x%04llx, Length=%lld\n", operation.call, reason(status).c_str(),
@@ -75,22 +77,26 @@ MyPortImp::MyPortImp(const CTLWrapper& producer, GenTL::PORT_HANDLE port)
 
 void MyPortImp::Read(void* buffer, int64_t address, int64_t length) {
     auto size = static_cast<std::size_t>(length);
-    require_transferred(read_(port_, static_cast<uint64_t>(address), buffer, &size), read_operation, address, length);
+    auto status = connected_ ? read_(port_, static_cast<uint64_t>(address), buffer, &size) : closed;
+    require_transferred(status, read_operation, address, length);
 }
 
 void MyPortImp::Write(const void* buffer, int64_t address, int64_t length) {
     auto size = static_cast<std::size_t>(length);
-    require_transferred(write_(port_, static_cast<uint64_t>(address), buffer, &size), write_operation, address, length);
+    auto status = connected_ ? write_(port_, static_cast<uint64_t>(address), buffer, &size) : closed;
+    require_transferred(status, write_operation, address, length);
 }
 
 void MyPortImp::ReadRegister(void* buffer, int64_t address, int64_t length) {
     auto size = static_cast<std::size_t>(length);
-    require_transferred(read_(port_, static_cast<uint64_t>(address), buffer, &size), read_register_operation, address, length);
+    auto status = connected_ ? read_(port_, static_cast<uint64_t>(address), buffer, &size) : closed;
+    require_transferred(status, read_register_operation, address, length);
 }
 
 void MyPortImp::WriteRegister(const void* buffer, int64_t address, int64_t length) {
     auto size = static_cast<std::size_t>(length);
-    require_transferred(write_(port_, static_cast<uint64_t>(address), buffer, &size), write_register_operation, address, length);
+    auto status = connected_ ? write_(port_, static_cast<uint64_t>(address), buffer, &size) : closed;
+    require_transferred(status, write_register_operation, address, length);
 }
 
 }  // namespace GenICam::Factory

@@ -1,10 +1,13 @@
 /// MyPortImp: the register port between a node map and a producer's PORT_HANDLE.
 ///
 /// A transfer that the producer refuses becomes a RuntimeException whose text names the reason, the operation, the address and
-/// the length; the same text goes to the debugger output. The port borrows the handle: whoever opened the module closes it.
+/// the length; the same text goes to the debugger output. The port borrows the handle: whoever opened the module closes it, and
+/// disconnects the port if the node map lives on.
 #pragma once
 
 #include <GenApi/register_port_impl.h>
+
+#include <atomic>
 
 #include "transport/tl_wrapper.h"
 
@@ -20,7 +23,11 @@ public:
     void WriteRegister(const void* buffer, int64_t address, int64_t length) override;
     GenApi::EAccessMode GetAccessMode() const override { return GenApi::RW; }
 
+    /// From now on every transfer fails with "Invalid Handle" and the producer is not called. From any thread.
+    void Disconnect() { connected_ = false; }
+
 private:
+    std::atomic<bool> connected_{true};
     GenTL::PORT_HANDLE port_;
     GenTL::PGCReadPort read_;
     GenTL::PGCWritePort write_;

@@ -34,7 +34,7 @@ GC_API DevGetNumDataStreams(DEV_HANDLE handle, uint32_t* count) {
 }
 
 GC_API DevGetDataStreamID(DEV_HANDLE handle, uint32_t index, char* id, size_t* size) {
-    return run(noted("DevGetDataStreamID", handle, index), [=](World& here) -> GC_ERROR {
+    return run(noted("DevGetDataStreamID", handle, index, id, size ? *size : 0), [=](World& here) -> GC_ERROR {
         auto* device = here.FindDevice(handle);
         if (!device) return bad_handle(here, "DevGetDataStreamID", handle);
         if (index >= device->streams.size()) return GC_ERR_INVALID_INDEX;
@@ -211,7 +211,7 @@ GC_API EventGetDataInfo(EVENT_HANDLE, const void*, size_t, EVENT_DATA_INFO_CMD, 
 }
 
 GC_API EventGetInfo(EVENT_HANDLE handle, EVENT_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_t* size) {
-    return run(noted("EventGetInfo", handle, command), [=](World& here) -> GC_ERROR {
+    return run(noted("EventGetInfo", handle, command, size ? *size : 0), [=](World& here) -> GC_ERROR {
         auto* event = here.FindEvent(handle);
         if (!event || !event->registered) return bad_handle(here, "EventGetInfo", handle);
         const Infos infos = {{EVENT_EVENT_TYPE, number_info(INFO_DATATYPE_INT32, event->type)},
