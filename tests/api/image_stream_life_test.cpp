@@ -1,6 +1,7 @@
 // The life of an image stream: starts that fail, cameras that go, closing from any side. It always comes back.
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <future>
 #include <memory>
 #include <stdexcept>
@@ -171,6 +172,155 @@ TEST_F(ImageStream, ClosingInsideTheCallbackDoesNotHang) {
     EXPECT_STATUS(K_ST_SUCCESS, closed.get());
     EXPECT_EQ((std::vector<std::string>{"TL", "IF0", "CAM0"}), producer->OpenModules()) << "nothing is left for later";
     EXPECT_EQ(10u, producer->Count("DSRevokeBuffer"));
+}
+
+// ---- producers that never come back ----
+
+/// An entry point that does not return until the test lets it.
+class Stuck {
+public:
+    Stuck(scripted::World& world, const std::string& entry) {
+        world.SetHook(entry, [state = state_](const scripted::Call&) -> std::optional<GenTL::GC_ERROR> {
+            std::unique_lock guard(state->lock);
+            state->inside = true;
+            state->changed.notify_all();
+            state->changed.wait(guard, [&] { return state->open; });
+            return GenTL::GC_ERR_ABORT;
+        });
+    }
+    ~Stuck() { LetGo(); }
+    void WaitUntilInside() {
+        std::unique_lock guard(state_->lock);
+        EXPECT_TRUE(state_->changed.wait_for(guard, std::chrono::seconds(10), [&] { return state_->inside; }));
+    }
+    void LetGo() {
+        std::lock_guard guard(state_->lock);
+        state_->open = true;
+        state_->changed.notify_all();
+    }
+
+private:
+    struct State {
+        std::mutex lock;
+        std::condition_variable changed;
+        bool inside = false, open = false;
+    };
+    std::shared_ptr<State> state_ = std::make_shared<State>();  // shared: the call may outlive the test's step
+};
+
+constexpr const char* terminated = ">>> Terminated Stream Process Loop.\n";
+
+TEST_F(ImageStream, ClosesThoughAWaitNeverReturns) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    Stuck stuck(*producer, "EventGetData");
+    stuck.WaitUntilInside();
+    CloseStream();
+    CloseCamera();
+    CloseFactory();
+    EXPECT_THAT(producer->OpenModules(), ::testing::IsEmpty()) << "everything else is closed all the same";
+    producer->ForgetCalls();
+    stuck.LetGo();
+    EXPECT_TRUE(debug.WaitFor(terminated)) << "the thread, when it comes back, leaves";
+    EXPECT_THAT(producer->Calls(), ::testing::IsEmpty()) << "and does not call into what is closed";
+}
+
+TEST_F(ImageStream, AStartThatNeverReturnsGivesAHandleWithoutStream) {
+    Stuck stuck(*producer, "DSStartAcquisition");
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, OpenStream());
+    ASSERT_NE(nullptr, stream);
+    EXPECT_EQ((std::vector<std::string>{"TL", "IF0", "CAM0"}), producer->OpenModules());
+    CloseStream();
+    CloseCamera();
+    producer->ForgetCalls();
+    stuck.LetGo();
+    EXPECT_TRUE(debug.WaitFor(terminated));
+    EXPECT_THAT(producer->Calls(), ::testing::IsEmpty());
+}
+
+TEST_F(ImageStream, ClosesThoughNothingIsTakenBack) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    Deliver(image_frame(1, 64, 48));
+    images.Next();
+    for (auto* entry : {"DSStopAcquisition", "EventKill", "GCUnregisterEvent", "DSFlushQueue", "DSRevokeBuffer"})
+        producer->Refuse(entry, GenTL::GC_ERR_IO);
+    CloseStream();
+    EXPECT_EQ(10u, producer->Count("DSRevokeBuffer"));
+    EXPECT_EQ((std::vector<std::string>{"TL", "IF0", "CAM0"}), producer->OpenModules());
+}
+
+// ---- closing from several sides ----
+
+TEST_F(ImageStream, StreamAndCameraMayBeClosedAtOnce) {
+    for (int round = 0; round < 10; ++round) {
+        if (!camera) {
+            ASSERT_NO_FATAL_FAILURE(OpenCamera());
+        }
+        ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+        Deliver(image_frame(1, 64, 48));
+        std::thread closer([&] { EXPECT_STATUS(K_ST_SUCCESS, K_Image_CloseStream(stream)); });
+        CloseCamera();
+        closer.join();
+        stream = nullptr;
+        EXPECT_EQ((std::vector<std::string>{"TL", "IF0"}), producer->OpenModules());
+    }
+}
+
+struct Closer {
+    std::function<void(K_IMAGE_INFO&)> close;
+    std::promise<void> done;
+};
+void close_by(void* context, K_IMAGE_INFO* image) {
+    auto& closer = *static_cast<Closer*>(context);
+    closer.close(*image);
+    closer.done.set_value();
+}
+
+TEST_F(ImageStream, TheCallbackMayCloseTheCameraAndTheFactory) {
+    Closer closer;
+    char first = 0, last = 0;
+    closer.close = [&](K_IMAGE_INFO& image) {
+        CloseCamera();
+        CloseFactory();
+        auto* bytes = static_cast<const char*>(image.image_data);
+        first = bytes[0], last = bytes[buffer_size - 1];  // the image stays until the callback returns
+    };
+    ASSERT_STATUS(K_ST_SUCCESS,
+                  K_Image_OpenStream(camera, 0, &closer, reinterpret_cast<AnyFunction>(close_by), &stream, buffer_size, 0));
+    Deliver(image_frame(9, 64, 48));
+    ASSERT_EQ(std::future_status::ready, closer.done.get_future().wait_for(std::chrono::seconds(10)));
+    EXPECT_THAT(producer->OpenModules(), ::testing::IsEmpty());
+    EXPECT_EQ(9, first);
+    EXPECT_EQ(9, last);
+    EXPECT_TRUE(debug.WaitFor(terminated));
+    CloseStream();
+}
+
+TEST_F(ImageStream, TheCallbackMayCloseTheStreamThatAClosingCameraWaitsFor) {
+    Closer closer;
+    closer.close = [&](K_IMAGE_INFO&) {
+        EXPECT_TRUE(producer->WaitForCalls("DSStopAcquisition", 1)) << "the camera is being closed";
+        CloseStream();
+    };
+    ASSERT_STATUS(K_ST_SUCCESS,
+                  K_Image_OpenStream(camera, 0, &closer, reinterpret_cast<AnyFunction>(close_by), &stream, buffer_size, 0));
+    Deliver(image_frame(1, 64, 48));
+    ASSERT_TRUE(producer->WaitForCalls("DSGetInfo", 1));
+    CloseCamera();
+    ASSERT_EQ(std::future_status::ready, closer.done.get_future().wait_for(std::chrono::seconds(10)));
+    EXPECT_EQ(1u, producer->Count("DSClose"));
+    EXPECT_EQ(10u, producer->Count("DSRevokeBuffer"));
+    EXPECT_TRUE(debug.WaitFor(terminated));
+}
+
+void throw_something(K_IMAGE_INFO*) { throw std::runtime_error("a callback that knows no better"); }
+
+TEST_F(ImageStream, AnExceptionOutOfTheCallbackCostsNothing) {
+    ASSERT_STATUS(K_ST_SUCCESS, K_Image_OpenStream(camera, 0, nullptr, reinterpret_cast<AnyFunction>(throw_something), &stream,
+                                                   buffer_size, 0));
+    for (std::uint64_t id = 1; id <= 2; ++id) {
+        Deliver(image_frame(id, 64, 48));
+        EXPECT_TRUE(debug.WaitFor("threw an exception", id));
+    }
 }
 
 }  // namespace

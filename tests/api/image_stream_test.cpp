@@ -1,5 +1,6 @@
 // The image stream: what it asks of the producer and in which order, and what it delivers.
 #include <algorithm>
+#include <future>
 
 #include "api/image_stream_fixture.h"
 
@@ -206,6 +207,128 @@ TEST_F(ImageStream, ImagesOfASlowCallbackAreNotLostWhileBuffersLast) {
     ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
     for (std::uint64_t i = 1; i <= 10; ++i) producer->Deliver(producer->FirstStream(), image_frame(i, 64, 48));
     for (std::uint64_t i = 1; i <= 10; ++i) EXPECT_EQ(i, images.Next().info.frame_id);
+}
+
+TEST_F(ImageStream, AStrictProducerIsAskedForItsCountsInItsOwnFormFromTheSecondTimeOn) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    producer->ForgetCalls();
+    for (std::uint64_t id = 1; id <= 2; ++id) {
+        Deliver(image_frame(id, 64, 48));
+        EXPECT_EQ(9u, images.Next().info.queued_buffers);
+        ASSERT_TRUE(WaitForRequeue(id));
+        std::size_t asked = 0;
+        for (auto& call : producer->CallsOf("DSGetInfo")) asked += call.numbers[1] == GenTL::STREAM_INFO_NUM_QUEUED;
+        EXPECT_EQ(1 + id, asked);
+    }
+}
+
+TEST_F(ImageStream, EveryBufferIsAccountedFor) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    producer->ForgetCalls();
+    {
+        std::lock_guard guard(producer->lock);
+        producer->FirstStream().infos[GenTL::STREAM_INFO_NUM_UNDERRUN] =
+            scripted::number_info<std::uint64_t>(GenTL::INFO_DATATYPE_UINT64, 77);
+    }
+    std::size_t queued = 0;
+    auto pass = [&](const scripted::Frame& frame) {
+        Deliver(frame);
+        ASSERT_TRUE(WaitForRequeue(++queued));
+    };
+    auto broken = image_frame(3, 64, 48);
+    broken.infos[GenTL::BUFFER_INFO_WIDTH] = scripted::refusal(GenTL::GC_ERR_NOT_AVAILABLE);
+    auto torn = image_frame(6, 64, 48);
+    torn.infos[GenTL::BUFFER_INFO_IS_INCOMPLETE] = scripted::number_info<std::uint8_t>(GenTL::INFO_DATATYPE_BOOL8, 1);
+    pass(image_frame(1, 64, 48));
+    pass(image_frame(2, 64, 48));
+    pass(broken);
+    pass(torn);                         // 3 was skipped; 4 and 5 never came
+    pass(image_frame(0xFFFE, 64, 48));  // a device that was restarted: as many as the numbers say
+    pass(image_frame(2, 64, 48));       // past the end of 16 bits: 0xFFFF and 1 are missing
+    pass(image_frame(1, 64, 48));       // counting anew is no gap
+    pass(image_frame(0, 64, 48));       // nor is not counting
+    producer->Refuse("DSQueueBuffer", GenTL::GC_ERR_BUSY, 1, 1);
+    pass(image_frame(0, 64, 48));
+    ++queued;  // the buffer that was refused is offered again with the next one
+    pass(image_frame(0, 64, 48));
+    auto expect = [&](const char* when) {
+        K_STREAM_STATISTICS seen{};
+        ASSERT_STATUS(K_ST_SUCCESS, K_Image_GetStreamStatistics(stream, &seen));
+        EXPECT_EQ(9u, seen.delivered) << when;
+        EXPECT_EQ(1u, seen.incomplete) << when;
+        EXPECT_EQ(1u, seen.skipped) << when;
+        EXPECT_EQ(0u, seen.discarded) << when;
+        EXPECT_EQ(1u, seen.requeue_failures) << when;
+        EXPECT_EQ(77u, seen.lost) << when;
+        EXPECT_EQ(2u + (0xFFFEu - 6 - 1) + 2, seen.missing_ids) << when;
+    };
+    expect("while it runs");
+    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Image_GetStreamStatistics(stream, nullptr));
+    CloseCamera();
+    expect("after the camera was closed");
+}
+
+struct Question {
+    THRD_HANDLE* stream = nullptr;
+    std::uint8_t incomplete = 0;
+    std::uint32_t size = 8;
+    K_STATUS_CODES known = K_ST_ERROR, unknown = K_ST_ERROR;
+    std::promise<void> done;
+};
+void ask_more(void* context, K_IMAGE_INFO*) {
+    auto& asked = *static_cast<Question*>(context);
+    asked.known = K_Image_GetBufferInfo(*asked.stream, GenTL::BUFFER_INFO_IS_INCOMPLETE, &asked.incomplete, &asked.size);
+    std::uint32_t size = 99;
+    asked.unknown = K_Image_GetBufferInfo(*asked.stream, 1999, &asked.incomplete, &size);
+    asked.done.set_value();
+}
+
+TEST_F(ImageStream, TheCallbackMayAskMoreAboutItsBuffer) {
+    Question asked;
+    asked.stream = &stream;
+    ASSERT_STATUS(K_ST_SUCCESS,
+                  K_Image_OpenStream(camera, 0, &asked, reinterpret_cast<AnyFunction>(ask_more), &stream, buffer_size, 0));
+    auto torn = image_frame(1, 64, 48);
+    torn.infos[GenTL::BUFFER_INFO_IS_INCOMPLETE] = scripted::number_info<std::uint8_t>(GenTL::INFO_DATATYPE_BOOL8, 1);
+    Deliver(torn);
+    ASSERT_EQ(std::future_status::ready, asked.done.get_future().wait_for(std::chrono::seconds(10)));
+    EXPECT_STATUS(K_ST_SUCCESS, asked.known);
+    EXPECT_EQ(1u, asked.incomplete);
+    EXPECT_EQ(1u, asked.size);
+    EXPECT_STATUS(K_ST_NOT_IMPLEMENTED, asked.unknown);
+    std::uint32_t size = 8;
+    EXPECT_STATUS(K_ST_NOT_AVAILABLE, K_Image_GetBufferInfo(stream, GenTL::BUFFER_INFO_SIZE, &size, &size))
+        << "not in the callback";
+}
+
+TEST_F(ImageStream, TheAcquisitionStopsAndStartsUnderTheRunningThread) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    SetRegister(scripted::reg::params_locked, 7);
+    producer->ForgetCalls();
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_DSStopAcquisition(stream, 5));
+    EXPECT_EQ(5u, producer->CallsOf("DSStopAcquisition")[0].numbers[1]);
+    EXPECT_STATUS(GenTL::GC_ERR_RESOURCE_IN_USE, K_Image_DSStopAcquisition(stream, 0)) << "the producer's answer";
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_DSStartAcquisition(stream, 3, 12));
+    auto start = producer->CallsOf("DSStartAcquisition")[0].numbers;
+    EXPECT_EQ(3u, start[1]) << "on any producer";
+    EXPECT_EQ(12u, start[2]);
+    EXPECT_EQ(7u, Register(scripted::reg::params_locked)) << "nothing is locked or unlocked";
+    Deliver(image_frame(1, 64, 48));
+    EXPECT_EQ(1u, images.Next().info.frame_id);
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_Image_DSStartAcquisition(nullptr, 0, 1));
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_Image_DSStopAcquisition(nullptr, 0));
+}
+
+TEST_F(ImageStream, FeaturesOfTheCameraByName) {
+    std::int64_t value = 0;
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_DSSetValueInt64(camera, "Width", 64));
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_DSGetValueInt64(camera, "Width", &value));
+    EXPECT_EQ(64, value);
+    EXPECT_STATUS(K_ST_GC_ERROR, K_Image_DSSetValueInt64(camera, "Width", 65)) << "verified";
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_DSExecuteCommand(camera, "Trigger"));
+    EXPECT_EQ(1u, Register(scripted::reg::command));
+    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Image_DSExecuteCommand(camera, "NoSuchFeature"));
+    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_Image_DSGetValueInt64(nullptr, "Width", &value));
 }
 
 // ---- GigE Vision ----
