@@ -77,14 +77,17 @@ struct AravisSubject::Objects {
     Ref<ArvGc> map;
 
     template <class Node>
-    Node Find(const std::string& node) const {
-        ArvGcNode* found = arv_gc_get_node(map.get(), node.c_str());
-        if (!found) throw std::runtime_error("no node " + node);
+    Node Find(const char* node) const {
+        ArvGcNode* found = arv_gc_get_node(map.get(), node);
+        if (!found) throw std::runtime_error(std::string("no node ") + node);
         return reinterpret_cast<Node>(found);
     }
 };
 
-AravisSubject::AravisSubject(const std::string& xml) : objects_(std::make_unique<Objects>()) {
+AravisSubject::AravisSubject(const std::string& xml) : AravisSubject(xml, BenchMemory()) {}
+
+AravisSubject::AravisSubject(const std::string& xml, const BenchMemory& memory) : objects_(std::make_unique<Objects>()) {
+    memory_of(objects_->device.get()) = memory;
     objects_->map.reset(arv_gc_new(objects_->device.get(), xml.data(), xml.size()));
     if (!objects_->map) throw std::runtime_error("aravis refuses the description");
     arv_gc_set_register_cache_policy(objects_->map.get(), ARV_REGISTER_CACHE_POLICY_ENABLE);
@@ -92,11 +95,16 @@ AravisSubject::AravisSubject(const std::string& xml) : objects_(std::make_unique
 
 AravisSubject::~AravisSubject() = default;
 
-AravisSubject::Integer AravisSubject::FindInteger(const std::string& node) const { return objects_->Find<Integer>(node); }
-AravisSubject::Float AravisSubject::FindFloat(const std::string& node) const { return objects_->Find<Float>(node); }
-AravisSubject::Boolean AravisSubject::FindBoolean(const std::string& node) const { return objects_->Find<Boolean>(node); }
+AravisSubject::Integer AravisSubject::FindInteger(const std::string& node) const { return objects_->Find<Integer>(node.c_str()); }
+AravisSubject::Float AravisSubject::FindFloat(const std::string& node) const { return objects_->Find<Float>(node.c_str()); }
+AravisSubject::Boolean AravisSubject::FindBoolean(const std::string& node) const { return objects_->Find<Boolean>(node.c_str()); }
 AravisSubject::Enumeration AravisSubject::FindEnumeration(const std::string& node) const {
-    return objects_->Find<Enumeration>(node);
+    return objects_->Find<Enumeration>(node.c_str());
+}
+
+int64_t AravisSubject::ReadByName(const char* integer) const { return Read(objects_->Find<Integer>(integer)); }
+void AravisSubject::SetByName(const char* enumeration, const char* symbolic) const {
+    Set(objects_->Find<Enumeration>(enumeration), symbolic);
 }
 
 int64_t AravisSubject::Read(Integer node) {

@@ -17,6 +17,8 @@ public:
         Put(0x24, 640);
         Put(0x28, 7);
         Put(0x2C, 7);
+        Put(0x40, 0x3FC00000);  // 1.5
+        std::memcpy(&bytes_[0x50], "camera", 6);
     }
     /// What the features over those registers show.
     static constexpr int64_t cachedInteger = 42, uncachedInteger = 43;

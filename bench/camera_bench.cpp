@@ -1,5 +1,6 @@
 // What a program feels: opening a camera, reading features, grabbing. Through the C interface alone, on the first simulated
-// camera.
+// camera. Where the aravis library is installed its node map does the same work on the same description, over a copy of the
+// camera's registers in plain memory: no producer stands between it and the device, as one does here.
 #include <Kiv_Factory.h>
 #include <benchmark/benchmark.h>
 #include <time.h>
@@ -7,8 +8,15 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <stdexcept>
 #include <string>
+
+#include "heap_use.h"
+#include "ratio_reporter.h"
+#if defined(KIV_BENCH_ARAVIS)
+#include "aravis_subject.h"
+#endif
 
 namespace {
 
@@ -72,60 +80,149 @@ void OpenCamera(benchmark::State& state) {
 }
 BENCHMARK(OpenCamera)->Unit(benchmark::kMillisecond);
 
-void NodeGetInt64Cached(benchmark::State& state) {
-    auto width = node("Width");
+// ---- features ----------------------------------------------------------------------------------------------------------------
+
+/// Times `work`, which is done some thousand times before: what is made when it is first needed is there then. Tells what one of
+/// them takes from the heap.
+void repeat(benchmark::State& state, const std::function<void()>& work) {
+    constexpr int64_t rehearsals = 2000;
+    for (int64_t i = 0; i < rehearsals; ++i) work();
+    const int64_t before = kiv::bench::allocations();
+    for (int64_t i = 0; i < rehearsals; ++i) work();
+    state.counters["new"] = static_cast<double>(kiv::bench::allocations() - before) / static_cast<double>(rehearsals);
+    for (auto _ : state) work();
+}
+
+constexpr const char* patterns[] = {"Off", "GreyHorizontalRamp"};
+
+void node_get_int64(benchmark::State& state) {
+    const auto width = node("Width");
     int64_t value = 0;
-    for (auto _ : state) {
+    repeat(state, [&] {
         CHECK(K_Node_GetValueInt64(width, false, &value));
         benchmark::DoNotOptimize(value);
-    }
+    });
 }
-BENCHMARK(NodeGetInt64Cached);
 
-void CameraGetInt64Cached(benchmark::State& state) {
-    auto camera = session().Camera();
+void camera_get_int64(benchmark::State& state) {
+    const auto camera = session().Camera();
     int64_t value = 0;
-    for (auto _ : state) {
+    repeat(state, [&] {
         CHECK(K_Camera_GetValueInt64(camera, "Width", &value));
         benchmark::DoNotOptimize(value);
-    }
+    });
 }
-BENCHMARK(CameraGetInt64Cached);
+
+void camera_set_enumeration(benchmark::State& state) {
+    const auto camera = session().Camera();
+    size_t i = 0;
+    repeat(state, [&] { CHECK(K_Camera_SetValueString(camera, "TestPattern", patterns[++i % 2])); });
+    CHECK(K_Camera_SetValueString(camera, "TestPattern", patterns[0]));
+}
+
+void camera_get_enumeration(benchmark::State& state) {
+    const auto camera = session().Camera();
+    char text[64];
+    repeat(state, [&] {
+        uint32_t size = sizeof text;
+        CHECK(K_Camera_GetValueString(camera, "TestPattern", text, &size));
+    });
+}
 
 // The value is forgotten before each read: one register access through port, producer and device each time.
 void NodeGetInt64Uncached(benchmark::State& state) {
-    auto width = node("Width");
+    const auto width = node("Width");
     int64_t value = 0;
-    for (auto _ : state) {
+    repeat(state, [&] {
         CHECK(K_Node_Invalidate(width));
         CHECK(K_Node_GetValueInt64(width, false, &value));
         benchmark::DoNotOptimize(value);
-    }
+    });
 }
 BENCHMARK(NodeGetInt64Uncached);
 
 // The register access alone.
 void CameraReadData(benchmark::State& state) {
-    auto camera = session().Camera();
+    const auto camera = session().Camera();
     uint32_t value = 0;
-    for (auto _ : state) {
+    repeat(state, [&] {
         uint32_t size = sizeof value;
         CHECK(K_Camera_ReadData(camera, 0, &value, &size));
         benchmark::DoNotOptimize(value);
-    }
+    });
 }
 BENCHMARK(CameraReadData);
 
-void CameraSetEnumerationByText(benchmark::State& state) {
-    auto camera = session().Camera();
-    bool other = false;
-    for (auto _ : state) {
-        CHECK(K_Camera_SetValueString(camera, "TestPattern", other ? "Off" : "GreyHorizontalRamp"));
-        other = !other;
-    }
-    CHECK(K_Camera_SetValueString(camera, "TestPattern", "Off"));
+#if defined(KIV_BENCH_ARAVIS)
+
+using kiv::bench::AravisSubject;
+
+std::string description() {
+    TRANSPORT_LAYER_HANDLE layer = nullptr;
+    const auto camera = session().Camera();
+    CHECK(K_Camera_GetTLHandle(camera, &layer));
+    uint32_t size = 0;
+    CHECK(K_GenTL_Module_GetXmlString(layer, camera, camera, nullptr, &size));
+    std::string text(++size, '\0');
+    CHECK(K_GenTL_Module_GetXmlString(layer, camera, camera, text.data(), &size));
+    text.pop_back();
+    return text;
 }
-BENCHMARK(CameraSetEnumerationByText);
+
+/// All registers of the camera; the description lies behind them.
+kiv::bench::BenchMemory registers() {
+    kiv::bench::BenchMemory memory;
+    const auto camera = session().Camera();
+    for (uint64_t address = 0; address < 0x100000; address += 4) {
+        uint32_t word = 0, size = sizeof word;
+        if (K_Camera_ReadData(camera, address, &word, &size) != K_ST_SUCCESS) word = 0;
+        memory.Write(address, &word, sizeof word);
+    }
+    return memory;
+}
+
+AravisSubject& aravis() {
+    static AravisSubject subject(description(), registers());
+    return subject;
+}
+
+void aravis_node_get(benchmark::State& state) {
+    const auto width = aravis().FindInteger("Width");
+    int64_t expected = 0;
+    CHECK(K_Camera_GetValueInt64(session().Camera(), "Width", &expected));
+    if (AravisSubject::Read(width) != expected) return state.SkipWithError("the value is wrong");
+    repeat(state, [&] { benchmark::DoNotOptimize(AravisSubject::Read(width)); });
+}
+
+void aravis_get_by_name(benchmark::State& state) {
+    repeat(state, [] { benchmark::DoNotOptimize(aravis().ReadByName("Width")); });
+}
+
+void aravis_set_enumeration(benchmark::State& state) {
+    size_t i = 0;
+    repeat(state, [&] { aravis().SetByName("TestPattern", patterns[++i % 2]); });
+    int64_t expected = 0;
+    CHECK(K_Camera_SetValueString(session().Camera(), "TestPattern", patterns[i % 2]));
+    CHECK(K_Camera_GetValueInt64(session().Camera(), "TestPattern", &expected));
+    if (AravisSubject::Read(aravis().FindEnumeration("TestPattern")) != expected) state.SkipWithError("the value is wrong");
+}
+
+#endif
+
+// The same work under one name: the ratio is printed below the table.
+void add_comparisons() {
+    benchmark::RegisterBenchmark("read integer, cached/kiv", node_get_int64);
+    benchmark::RegisterBenchmark("read integer by name/kiv", camera_get_int64);
+    benchmark::RegisterBenchmark("set enumeration by name/kiv", camera_set_enumeration);
+    benchmark::RegisterBenchmark("read enumeration's text by name", camera_get_enumeration);
+#if defined(KIV_BENCH_ARAVIS)
+    benchmark::RegisterBenchmark("read integer, cached/aravis", aravis_node_get);
+    benchmark::RegisterBenchmark("read integer by name/aravis", aravis_get_by_name);
+    benchmark::RegisterBenchmark("set enumeration by name/aravis", aravis_set_enumeration);
+#endif
+}
+
+// ---- images ------------------------------------------------------------------------------------------------------------------
 
 double thread_seconds() {
     timespec now{};
@@ -174,7 +271,10 @@ BENCHMARK(GrabOverheadPerFrame)->UseManualTime()->Unit(benchmark::kMicrosecond)-
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     try {
-        benchmark::RunSpecifiedBenchmarks();
+        add_comparisons();
+        kiv::bench::RatioReporter reporter("kiv", "aravis");
+        benchmark::RunSpecifiedBenchmarks(&reporter);
+        reporter.PrintRatios();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "camera_bench: %s\n", error.what());
         return EXIT_FAILURE;

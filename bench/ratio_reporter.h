@@ -18,8 +18,8 @@ public:
 
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
-            // With repetitions the mean stands for all of them.
-            if (run.error_occurred || (run.run_type == Run::RT_Aggregate && run.aggregate_name != "mean")) continue;
+            // With repetitions the median stands for all of them; it comes behind them.
+            if (run.error_occurred || (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median")) continue;
             times_[run.run_name.str()] = run.GetAdjustedCPUTime();
             order_.push_back(run.run_name.str());
         }

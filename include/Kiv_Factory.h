@@ -16,12 +16,16 @@
 
 #include <kiv/camera.h>
 #include <kiv/camera_link.h>
+#include <kiv/chunk.h>
+#include <kiv/data_stream.h>
 #include <kiv/diagnostics.h>
+#include <kiv/event.h>
 #include <kiv/factory.h>
 #include <kiv/gentl.h>
 #include <kiv/image.h>
 #include <kiv/node.h>
 #include <kiv/pixel_format.h>
+#include <kiv/settings.h>
 #include <kiv/types.h>
 
 #endif

@@ -1,6 +1,7 @@
 // K_Camera_*: open, close, raw registers, where a camera hangs.
 #include <kiv/camera.h>
 
+#include "acquisition/gige_event_thread.h"
 #include "api/adaptors.h"
 #include "api/checks.h"
 #include "camera/open_camera.h"
@@ -20,6 +21,7 @@ K_API K_STATUS_CODES K_CALL K_Camera_OpenEx(FACTORY_HANDLE hFactory, const char*
         auto status = open_camera(opened_factory, {cameraId, accessMode, multicast, openOption}, opened);
         if (status != K_ST_SUCCESS) return status;
         require(opened != nullptr);
+        if (opened->Producer().IsGigE()) start_gige_events(*opened);
         result = handle_to<CAM_HANDLE>(opened);
         return K_ST_SUCCESS;
     });

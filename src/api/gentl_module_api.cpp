@@ -39,6 +39,10 @@ static GenTL::PORT_HANDLE module_port(const CTLWrapper& producer, void* module) 
         auto& stream = object_of<ImageLib::CImageStream>(module);
         return port_of(stream.Producer(), stream.Stream());
     }
+    if (is_live(module, HandleKind::stream)) {
+        auto stream = data_stream(static_cast<STREAM_HANDLE>(module));
+        return port_of(stream->Producer(), stream->Handle());
+    }
     return module;
 }
 
@@ -72,6 +76,8 @@ static GenApi::INodeMap& module_map(void* hModule) {
         map = object_of<CCameraClass>(hModule).GetNodeMap();
     else if (is_live(hModule, HandleKind::thread))
         map = object_of<ImageLib::CImageStream>(hModule).GetNodeMap();
+    else if (is_live(hModule, HandleKind::stream))
+        map = data_stream(static_cast<STREAM_HANDLE>(hModule))->GetNodeMap();
     else
         map = device_node_map(hModule, known);
     if (!known) fail(K_ST_INVALID_HANDLE);

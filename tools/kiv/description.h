@@ -5,5 +5,5 @@
 
 #include <string>
 
-/// `module`: the transport layer itself, a camera, or a producer's own device handle. An interface handle is none of these.
+/// `module`: the transport layer itself, one of its interfaces, a camera, or a producer's own device handle.
 std::string description_of(TRANSPORT_LAYER_HANDLE layer, void* module);

@@ -140,6 +140,7 @@ private:
         module.id = id;
         module.state = "open";
         if (wishes_.features) attempt(module, [&] { read_features(module, handle, wishes_.filter); });
+        if (wishes_.descriptions) attempt(module, [&] { module.description = description_of(layer, handle); });
         attempt(module, [&] {
             uint32_t count = 0;
             check(K_GenTL_IFGetNumDevices(handle, &count), "K_GenTL_IFGetNumDevices", id);

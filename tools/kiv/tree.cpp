@@ -15,8 +15,8 @@ namespace {
 
 constexpr const char* kFooter =
     "Each producer is a transport layer with interfaces, on which there are devices. Transport layers and interfaces tell their\n"
-    "features at any time, a device (the producer's view of a camera, not the camera itself) only while it is open: --open\n"
-    "opens each camera that is free, for as long as it is read. An interface's description cannot be reached.\n"
+    "features and descriptions at any time, a device (the producer's view of a camera, not the camera itself) only while it is\n"
+    "open: --open opens each camera that is free, for as long as it is read.\n"
     "\n"
     "Examples:\n"
     "  kiv tree\n"
