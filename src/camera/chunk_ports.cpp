@@ -66,13 +66,10 @@ void CChunkPorts::Release() noexcept {
 K_STATUS_CODES CChunkPorts::Detach() noexcept {
     Use use(*this);
     if (!owner_.GetNodeMap()) return K_ST_INVALID_PARAMETER;
-    if (!adapter_) return K_ST_SUCCESS;
-    if (depth_ > 1) {
-        // Inside a callback of one of the ports: they must not go while they are being walked through.
-        end_later_ = true;
-        return K_ST_SUCCESS;
-    }
-    return End();
+    if (depth_ == 1) return End();
+    // Inside a callback of one of the ports, which must not go while they are being walked through, or made.
+    end_later_ = true;
+    return K_ST_SUCCESS;
 }
 
 K_STATUS_CODES CChunkPorts::End() noexcept {
