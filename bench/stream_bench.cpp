@@ -149,6 +149,9 @@ public:
         auto id = "TL=>KIV_SIM , INT=>SIM0 , DEV=>SIM0_" + device;
         CAM_HANDLE camera = nullptr;
         CHECK(K_Camera_Open_Proxy(factory_, id.c_str(), &camera));
+        // As fast as the sensor is.
+        CHECK(K_Camera_SetValueInt64(camera, "AcquisitionFrameRateEnable", 0));
+        CHECK(K_Camera_SetValueDouble(camera, "ExposureTime", 1000));
         return camera;
     }
 
@@ -156,13 +159,15 @@ private:
     FACTORY_HANDLE factory_ = nullptr;
 };
 
+/// Into a folder of its own, where the cameras keep their state too: nobody else's cameras are met.
 std::filesystem::path write_sim_configuration() {
-    auto file = std::filesystem::temp_directory_path() / ("kiv_stream_bench_" + std::to_string(wall_time()) + ".json");
-    std::ofstream text(file);
+    auto folder = std::filesystem::temp_directory_path() / ("kiv_stream_bench_" + std::to_string(wall_time()));
+    std::filesystem::create_directories(folder);
+    std::ofstream text(folder / "cameras.json");
     text << R"({"interfaces": [{"id": "SIM0", "cameras": [{"serial": "LARGE", "width": 2448, "height": 2048, "frame_rate": 35})";
     for (int i = 0; i < 8; ++i) text << R"(, {"serial": "SMALL)" << i << R"(", "width": 256, "height": 256, "frame_rate": 200})";
     text << "]}]}";
-    return file;
+    return folder;
 }
 
 std::uint32_t payload_of(CAM_HANDLE camera) {
@@ -247,8 +252,9 @@ BENCHMARK(EightCameras)->UseManualTime()->Unit(benchmark::kSecond)->Iterations(1
 }  // namespace kiv::bench
 
 int main(int argc, char** argv) {
-    auto configuration = kiv::bench::write_sim_configuration();
-    setenv("KIV_SIM_CONFIG", configuration.c_str(), 1);
+    const auto folder = kiv::bench::write_sim_configuration();
+    setenv("KIV_SIM_CONFIG", (folder / "cameras.json").c_str(), 1);
+    setenv("KIV_SIM_STATE", folder.c_str(), 1);
     int result = EXIT_SUCCESS;
     try {
         if (argc == 3 && std::strcmp(argv[1], "--soak") == 0) {
@@ -261,6 +267,6 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "stream_bench: %s\n", error.what());
         result = EXIT_FAILURE;
     }
-    std::filesystem::remove(configuration);
+    std::filesystem::remove_all(folder);
     return result;
 }
