@@ -69,6 +69,9 @@ ArvGcInteger* aravis(AravisSubject::Integer node) { return reinterpret_cast<ArvG
 ArvGcFloat* aravis(AravisSubject::Float node) { return reinterpret_cast<ArvGcFloat*>(node); }
 ArvGcEnumeration* aravis(AravisSubject::Enumeration node) { return reinterpret_cast<ArvGcEnumeration*>(node); }
 ArvGcBoolean* aravis(AravisSubject::Boolean node) { return reinterpret_cast<ArvGcBoolean*>(node); }
+ArvGcString* aravis(AravisSubject::String node) { return reinterpret_cast<ArvGcString*>(node); }
+ArvGcCommand* aravis(AravisSubject::Command node) { return reinterpret_cast<ArvGcCommand*>(node); }
+ArvGcRegister* aravis(AravisSubject::Register node) { return reinterpret_cast<ArvGcRegister*>(node); }
 
 }  // namespace
 
@@ -107,6 +110,12 @@ void AravisSubject::SetByName(const char* enumeration, const char* symbolic) con
     Set(objects_->Find<Enumeration>(enumeration), symbolic);
 }
 
+AravisSubject::String AravisSubject::FindString(const std::string& node) const { return objects_->Find<String>(node.c_str()); }
+AravisSubject::Command AravisSubject::FindCommand(const std::string& node) const { return objects_->Find<Command>(node.c_str()); }
+AravisSubject::Register AravisSubject::FindRegister(const std::string& node) const {
+    return objects_->Find<Register>(node.c_str());
+}
+
 int64_t AravisSubject::Read(Integer node) {
     GError* error = nullptr;
     const int64_t value = arv_gc_integer_get_value(aravis(node), &error);
@@ -129,6 +138,54 @@ bool AravisSubject::Read(Boolean node) {
     GError* error = nullptr;
     const bool value = arv_gc_boolean_get_value(aravis(node), &error) != FALSE;
     return checked(value, error);
+}
+
+std::string AravisSubject::Read(String node) {
+    GError* error = nullptr;
+    const char* value = arv_gc_string_get_value(aravis(node), &error);
+    return checked(std::string(value ? value : ""), error);
+}
+
+void AravisSubject::Read(Register node, uint8_t* bytes, size_t count) {
+    GError* error = nullptr;
+    arv_gc_register_get(aravis(node), bytes, count, &error);
+    checked(0, error);
+}
+
+bool AravisSubject::IsLocked(Integer node) {
+    GError* error = nullptr;
+    const bool locked = arv_gc_feature_node_is_locked(reinterpret_cast<ArvGcFeatureNode*>(node), &error) != FALSE;
+    return checked(locked, error);
+}
+
+void AravisSubject::Set(Float node, double value) {
+    GError* error = nullptr;
+    arv_gc_float_set_value(aravis(node), value, &error);
+    checked(0, error);
+}
+
+void AravisSubject::Set(Boolean node, bool value) {
+    GError* error = nullptr;
+    arv_gc_boolean_set_value(aravis(node), value, &error);
+    checked(0, error);
+}
+
+void AravisSubject::Set(String node, const char* value) {
+    GError* error = nullptr;
+    arv_gc_string_set_value(aravis(node), value, &error);
+    checked(0, error);
+}
+
+void AravisSubject::Set(Register node, const uint8_t* bytes, size_t count) {
+    GError* error = nullptr;
+    arv_gc_register_set(aravis(node), bytes, count, &error);
+    checked(0, error);
+}
+
+void AravisSubject::Execute(Command node) {
+    GError* error = nullptr;
+    arv_gc_command_execute(aravis(node), &error);
+    checked(0, error);
 }
 
 void AravisSubject::Set(Integer node, int64_t value) {

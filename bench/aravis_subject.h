@@ -13,8 +13,6 @@
 
 namespace kiv::bench {
 
-class BenchMemory;
-
 class AravisSubject {
 public:
     static constexpr const char* name = "aravis";
@@ -33,8 +31,7 @@ public:
     using Command = CommandNode*;
     using Register = RegisterNode*;
 
-    /// The memory is the device; it is borrowed.
-    AravisSubject(BenchMemory& memory, const std::string& xml);
+    explicit AravisSubject(const std::string& xml);
     /// On a copy of some other device's memory, which begins at address 0.
     AravisSubject(const std::string& xml, const BenchMemory& memory);
     ~AravisSubject();

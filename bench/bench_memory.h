@@ -9,7 +9,9 @@ namespace kiv::bench {
 
 class BenchMemory {
 public:
-    BenchMemory() : bytes_(1 << 20) {
+    static constexpr size_t size = 1 << 20;
+
+    BenchMemory() : bytes_(size) {
         Put(0x10, 42);
         Put(0x14, 43);
         Put(0x18, 250);
@@ -17,8 +19,6 @@ public:
         Put(0x24, 640);
         Put(0x28, 7);
         Put(0x2C, 7);
-        Put(0x40, 0x3FC00000);  // 1.5
-        std::memcpy(&bytes_[0x50], "camera", 6);
     }
     /// What the features over those registers show.
     static constexpr int64_t cachedInteger = 42, uncachedInteger = 43;

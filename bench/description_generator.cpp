@@ -67,9 +67,9 @@ public:
         Close();
     }
     void Masked(const std::string& name, const std::string& address, int lsb, int msb, const std::string& module = "",
-                int invalidators = 0) {
+                int invalidators = 0, const char* cachable = "WriteThrough") {
         Open("MaskedIntReg", name);
-        Register(address);
+        Register(address, cachable);
         Invalidators(module, invalidators);
         Child("LSB", to_string(lsb));
         Child("MSB", to_string(msb));
@@ -114,6 +114,53 @@ private:
 
 std::string at(size_t address) { return "    <Address>" + to_string(address) + "</Address>\n"; }
 
+/// A node of each kind over a register of its own.
+void kinds(Writer& w, bool cached) {
+    const std::string prefix = cached ? "" : "Uncached";
+    const char* caching = cached ? "WriteThrough" : "NoCache";
+    size_t next = cached ? 0x30 : 0x90;
+    const auto address = [&next](size_t length = 4) { return next += length, at(next - length); };
+    const auto converter = [&](const char* element, const char* name) {
+        w.IntReg(prefix + name + "Reg", address(), "", 0, caching);
+        w.Open(element, prefix + name);
+        w.Child("FormulaTo", "FROM * 10");
+        w.Child("FormulaFrom", "TO / 10");
+        w.Child("pValue", prefix + name + "Reg");
+        w.Child("Slope", "Increasing");
+        w.Close();
+    };
+    w.Masked(prefix + "ModeReg", address(), 31, 29, "", 0, caching);
+    w.Enumeration(prefix + "Mode", prefix + "ModeReg", "Mode", 8);
+    w.Masked(prefix + "FieldReg", address(), 23, 8, "", 0, caching);
+    w.Integer(prefix + "Field", prefix + "FieldReg");
+    w.Masked(prefix + "FlagReg", address(), 4, 4, "", 0, caching);
+    w.Open("Boolean", prefix + "Flag");
+    w.Child("pValue", prefix + "FlagReg");
+    w.Close();
+    converter("IntConverter", "ConvertedInteger");
+    w.Open("FloatReg", prefix + "NumberReg");
+    w.Register(address(), caching);
+    w.Child("Endianess", "BigEndian");
+    w.Close();
+    w.Open("Float", prefix + "Number");
+    w.Child("pValue", prefix + "NumberReg");
+    w.Child("Max", "1000");
+    w.Close();
+    next += 12;
+    w.Open("StringReg", prefix + "Text");
+    w.Register(address(16), caching, "RW", 16);
+    w.Close();
+    w.Open("Register", prefix + "Bytes");
+    w.Register(address(16), caching, "RW", 16);
+    w.Close();
+    w.IntReg(prefix + "StartReg", address(), "", 0, caching);
+    w.Open("Command", prefix + "Start");
+    w.Child("pValue", prefix + "StartReg");
+    w.Child("CommandValue", "1");
+    w.Close();
+    if (!cached) converter("Converter", "ConvertedFloat");
+}
+
 void probes(Writer& w) {
     w.IntReg("CachedReg", at(0x10));
     w.Integer("CachedInteger", "CachedReg");
@@ -135,8 +182,7 @@ void probes(Writer& w) {
     for (int i = 0; i < 4; ++i) w.Variable(std::string(1, static_cast<char>('A' + i)).c_str(), "VariableReg" + to_string(i));
     w.Child("Formula", "(A = 0) ? 0 : ((B - C) / (D + 1)) * A");
     w.Close();
-    w.Masked("ModeReg", at(0x30), 31, 29);
-    w.Enumeration("Mode", "ModeReg", "Mode", 8);
+    for (const bool cached : {true, false}) kinds(w, cached);
     w.Out().floats.insert(w.Out().floats.end(), {"ConvertedFloat", "OneVariable", "FourVariables"});
 }
 

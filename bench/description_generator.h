@@ -27,6 +27,8 @@ struct Description {
 ///     OneVariable         SwissKnife of one variable
 ///     FourVariables       SwissKnife of four
 ///     Mode                Enumeration over bits of a register: Mode0 to Mode7
+///     Field, Flag, Number, Text, Bytes, ConvertedInteger, Start
+///                         a node of each other kind over a cached register; "Uncached" in front: over one that is not cached
 ///     Chunk0, Chunk1...   registers of 4 bytes at the beginning of a chunk each
 Description generate_description(size_t nodes);
 

@@ -22,10 +22,7 @@ public:
     using Command = GenApi::ICommand*;
     using Register = GenApi::IRegister*;
 
-    /// The memory is the device; it is borrowed.
-    KivSubject(BenchMemory& memory, std::string xml) : port_(memory), map_(genapi::load_node_map(std::move(xml))) {
-        map_->Connect(&port_);
-    }
+    explicit KivSubject(std::string xml) : map_(genapi::load_node_map(std::move(xml))) { map_->Connect(&port_); }
 
     Integer FindInteger(const std::string& node) const { return Find<GenApi::IInteger>(node); }
     Float FindFloat(const std::string& node) const { return Find<GenApi::IFloat>(node); }
@@ -56,7 +53,6 @@ public:
 private:
     class Port final : public GenApi::IPort {
     public:
-        explicit Port(BenchMemory& memory) : memory_(memory) {}
         void Read(void* buffer, int64_t address, int64_t length) override {
             if (!memory_.Read(static_cast<uint64_t>(address), buffer, static_cast<uint64_t>(length)))
                 throw GenICam::RuntimeException("no such address");
@@ -69,7 +65,7 @@ private:
         GenApi::EInterfaceType GetPrincipalInterfaceType() const override { return GenApi::intfIPort; }
 
     private:
-        BenchMemory& memory_;
+        BenchMemory memory_;
     };
 
     template <class Interface>

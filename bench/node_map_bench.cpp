@@ -4,8 +4,10 @@
 #include <benchmark/benchmark.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
+#include "description.h"
 #include "description_generator.h"
 #include "heap_use.h"
 #include "kiv_subject.h"
@@ -25,9 +27,19 @@ const Description& description_of(size_t nodes) {
 
 // ---- building ----------------------------------------------------------------------------------------------------------------
 
+/// The description of the simulated cameras, with its nodes counted as the map counts them.
+const Description& simulated_camera() {
+    static const Description made = [] {
+        Description description;
+        description.xml = kivsim::camera_description(kivsim::CameraConfig());
+        description.nodes = static_cast<size_t>(genapi::load_node_map(description.xml)->GetNumNodes());
+        return description;
+    }();
+    return made;
+}
+
 template <class Subject>
-void build(benchmark::State& state) {
-    const Description& description = description_of(static_cast<size_t>(state.range(0)));
+void build(benchmark::State& state, const Description& description) {
     std::optional<Subject> subject;
     int64_t heap = 0, calls = 0;
     for (auto _ : state) {
@@ -40,7 +52,7 @@ void build(benchmark::State& state) {
         subject.emplace(std::move(xml));
         state.PauseTiming();
         calls = allocations() - calls;
-        heap = heap_in_use() - before;
+        heap = heap_in_use() - before - static_cast<int64_t>(BenchMemory::size);  // the device is no part of the map
         state.ResumeTiming();
     }
     const auto nodes = static_cast<double>(description.nodes);
@@ -75,34 +87,111 @@ void read(benchmark::State& state, Node (Subject::*find)(const std::string&) con
     for (auto _ : state) benchmark::DoNotOptimize(Subject::Read(node));
 }
 
+/// A benchmark of one write after the other; what was written last is read at the end.
+template <class Subject, class Node, class Value>
+void set(benchmark::State& state, Node (Subject::*find)(const std::string&) const, const char* name,
+         Value (*value_of)(uint64_t)) {
+    Subject subject(description_of(usualSize).xml);
+    Node node = (subject.*find)(name);
+    uint64_t i = 0;
+    for (auto _ : state) Subject::Set(node, value_of(++i));
+    if (Subject::Read(node) != value_of(i)) state.SkipWithError("the value is wrong");
+}
+
+/// As somebody does who shows the value.
 template <class Subject>
-void set_integer(benchmark::State& state) {
+void set_integer_and_read(benchmark::State& state) {
     Subject subject(description_of(usualSize).xml);
     auto node = subject.FindInteger("CachedInteger");
+    int64_t value = 0, read = 0;
+    for (auto _ : state) {
+        Subject::Set(node, ++value & 0xFFFF);
+        read += Subject::Read(node) == (value & 0xFFFF);
+    }
+    if (read != value) state.SkipWithError("the value is wrong");
+}
+
+/// The worst case: everything that the integer decides has been asked for before it changes again.
+template <class Subject>
+void set_lock_and_ask(benchmark::State& state) {
+    Subject subject(description_of(usualSize).xml);
+    auto lock = subject.FindInteger("CachedInteger");
+    std::vector<typename Subject::Integer> locked;
+    for (const auto& name : description_of(usualSize).integers)
+        if (name.starts_with("Level") && (name.back() - '0') % 2) locked.push_back(subject.FindInteger(name));
     int64_t value = 0;
-    for (auto _ : state) Subject::Set(node, ++value & 0xFFFF);
-    if (Subject::Read(node) != (value & 0xFFFF)) state.SkipWithError("the value is wrong");
+    size_t count = 0;
+    for (auto _ : state) {
+        Subject::Set(lock, ++value & 1);
+        for (auto node : locked) count += Subject::IsLocked(node);
+    }
+    state.counters["locked"] = static_cast<double>(locked.size());
+    if (count != locked.size() * static_cast<size_t>((value + 1) / 2)) state.SkipWithError("the modes are wrong");
+}
+
+template <class Subject>
+void execute(benchmark::State& state, const char* name) {
+    Subject subject(description_of(usualSize).xml);
+    auto node = subject.FindCommand(name);
+    for (auto _ : state) Subject::Execute(node);
+}
+
+constexpr size_t registerSize = 16;
+
+template <class Subject>
+void read_register(benchmark::State& state, const char* name) {
+    Subject subject(description_of(usualSize).xml);
+    auto node = subject.FindRegister(name);
+    uint8_t bytes[registerSize] = {};
+    for (auto _ : state) {
+        Subject::Read(node, bytes, registerSize);
+        benchmark::DoNotOptimize(bytes[0]);
+    }
+}
+
+template <class Subject>
+void set_register(benchmark::State& state, const char* name) {
+    Subject subject(description_of(usualSize).xml);
+    auto node = subject.FindRegister(name);
+    uint8_t bytes[registerSize] = {}, read[registerSize] = {};
+    for (auto _ : state) {
+        ++bytes[0];
+        Subject::Set(node, bytes, registerSize);
+    }
+    Subject::Read(node, read, registerSize);
+    if (read[0] != bytes[0]) state.SkipWithError("the value is wrong");
 }
 
 /// The formula has to be computed anew each time.
 template <class Subject>
-void set_variable_and_read(benchmark::State& state) {
+void set_variable_and_read(benchmark::State& state, const std::string& name) {
     Subject subject(description_of(usualSize).xml);
     auto variable = subject.FindInteger("VariableReg0");
-    auto formula = subject.FindFloat("FourVariables");
+    auto formula = subject.FindFloat(name);
     int64_t value = 0;
     double read = 0;
     for (auto _ : state) {
         Subject::Set(variable, ++value & 0xFF);
         read = Subject::Read(formula);
     }
-    if (read != (value & 0xFF) * (640.0 - 7) / 8) state.SkipWithError("the value is wrong");
+    const auto last = static_cast<double>(value & 0xFF);
+    if (read != (name == "OneVariable" ? last * 0.5 + 1 : last * (640.0 - 7) / 8)) state.SkipWithError("the value is wrong");
 }
 
 template <class Subject>
-void set_enumeration(benchmark::State& state) {
+void set_string(benchmark::State& state, const std::string& name) {
     Subject subject(description_of(usualSize).xml);
-    auto node = subject.FindEnumeration("Mode");
+    auto node = subject.FindString(name);
+    static constexpr const char* texts[] = {"one", "camera in hall 7"};
+    size_t i = 0;
+    for (auto _ : state) Subject::Set(node, texts[++i % 2]);
+    if (Subject::Read(node) != texts[i % 2]) state.SkipWithError("the value is wrong");
+}
+
+template <class Subject>
+void set_enumeration(benchmark::State& state, const std::string& name) {
+    Subject subject(description_of(usualSize).xml);
+    auto node = subject.FindEnumeration(name);
     static constexpr const char* symbolics[] = {"Mode6", "Mode1", "Mode7", "Mode3"};
     static constexpr int64_t values[] = {6, 1, 7, 3};
     size_t i = 0;
@@ -191,21 +280,63 @@ void add_sized(const char* name, void (*body)(benchmark::State&)) {
 }
 
 template <class Subject>
+void add_building() {
+    using benchmark::State;
+    add_sized<Subject>("build", [](State& s) { build<Subject>(s, description_of(static_cast<size_t>(s.range(0)))); });
+    benchmark::RegisterBenchmark((std::string("build simulated camera/") + Subject::name).c_str(), [](State& s) {
+        build<Subject>(s, simulated_camera());
+    })->Unit(benchmark::kMillisecond);
+    add_sized<Subject>("destroy", destroy<Subject>);
+}
+
+/// Each kind of node, over a register that is cached and over one that is not.
+template <class Subject>
+void add_kinds(bool cached) {
+    using benchmark::State;
+    const auto add_one = [cached](const char* work, auto body) {
+        add<Subject>((std::string(work) + (cached ? "" : ", not cached")).c_str(), body);
+    };
+    const auto both = [&](const char* kind, auto find, const char* name, auto first, auto value_of) {
+        const auto node = std::make_shared<std::string>(cached ? name : std::string("Uncached") + name);
+        add_one((std::string("read ") + kind).c_str(), [=](State& s) { read(s, find, node->c_str(), first); });
+        add_one((std::string("set ") + kind).c_str(), [=](State& s) { set(s, find, node->c_str(), value_of); });
+    };
+    const auto integer = cached ? "CachedInteger" : "UncachedInteger";
+    const auto shown = cached ? BenchMemory::cachedInteger : BenchMemory::uncachedInteger;
+    constexpr auto whole = +[](uint64_t i) { return static_cast<int64_t>(i & 0xFFFF); };
+    add_one("read integer", [=](State& s) { read(s, &Subject::FindInteger, integer, shown); });
+    add_one("set integer", [=](State& s) { set(s, &Subject::FindInteger, integer, whole); });
+    both("field", &Subject::FindInteger, "Field", int64_t{0}, whole);
+    both("integer converter", &Subject::FindInteger, "ConvertedInteger", int64_t{0}, whole);
+    both(
+        "float", &Subject::FindFloat, "Number", 0.0, +[](uint64_t i) { return static_cast<double>(i & 0xFF) + 0.5; });
+    both(
+        "converter", &Subject::FindFloat, "ConvertedFloat", cached ? BenchMemory::convertedFloat : 0.0,
+        +[](uint64_t i) { return static_cast<double>(i & 0xFFFF); });
+    both(
+        "boolean", &Subject::FindBoolean, "Flag", false, +[](uint64_t i) { return i % 2 == 1; });
+    const auto prefixed = [cached](const char* name) { return (cached ? "" : "Uncached") + std::string(name); };
+    add_one("read enumeration", [=](State& s) { read(s, &Subject::FindEnumeration, prefixed("Mode").c_str(), int64_t{0}); });
+    add_one("set enumeration by text", [=](State& s) { set_enumeration<Subject>(s, prefixed("Mode")); });
+    add_one("read string", [=](State& s) { read(s, &Subject::FindString, prefixed("Text").c_str(), std::string()); });
+    add_one("set string", [=](State& s) { set_string<Subject>(s, prefixed("Text")); });
+    add_one("read register", [=](State& s) { read_register<Subject>(s, prefixed("Bytes").c_str()); });
+    add_one("set register", [=](State& s) { set_register<Subject>(s, prefixed("Bytes").c_str()); });
+    add_one("execute command", [=](State& s) { execute<Subject>(s, prefixed("Start").c_str()); });
+}
+
+template <class Subject>
 void add_all() {
     using benchmark::State;
-    add_sized<Subject>("build", build<Subject>);
-    add_sized<Subject>("destroy", destroy<Subject>);
-    add<Subject>("read cached integer",
-                 [](State& s) { read(s, &Subject::FindInteger, "CachedInteger", BenchMemory::cachedInteger); });
-    add<Subject>("read uncached integer",
-                 [](State& s) { read(s, &Subject::FindInteger, "UncachedInteger", BenchMemory::uncachedInteger); });
-    add<Subject>("read converter", [](State& s) { read(s, &Subject::FindFloat, "ConvertedFloat", BenchMemory::convertedFloat); });
+    add_building<Subject>();
+    for (const bool cached : {true, false}) add_kinds<Subject>(cached);
     add<Subject>("read formula of 1", [](State& s) { read(s, &Subject::FindFloat, "OneVariable", BenchMemory::oneVariable); });
     add<Subject>("read formula of 4",
                  [](State& s) { read(s, &Subject::FindFloat, "FourVariables", BenchMemory::fourVariables); });
-    add<Subject>("set integer", set_integer<Subject>);
-    add<Subject>("set variable, read formula", set_variable_and_read<Subject>);
-    add<Subject>("set enumeration", set_enumeration<Subject>);
+    add<Subject>("set variable, read formula of 1", [](State& s) { set_variable_and_read<Subject>(s, "OneVariable"); });
+    add<Subject>("set variable, read formula of 4", [](State& s) { set_variable_and_read<Subject>(s, "FourVariables"); });
+    add<Subject>("set integer, read it", set_integer_and_read<Subject>);
+    add<Subject>("set lock, ask all it locks", set_lock_and_ask<Subject>);
     add<Subject>("set selector, read", set_selector_and_read<Subject>);
     add_sized<Subject>("read all anew", invalidate_and_read_all<Subject>);
 }
