@@ -102,9 +102,15 @@ void NumberNode<T, I, k>::WriteNumber(T value, bool verify) {
 }
 
 template <class T, class I, EInterfaceType k>
+std::vector<T> NumberNode<T, I, k>::Listed() {
+    const Evaluation step(*this, Question::Limits);
+    return rules_ && !rules_->validValues.empty() ? rules_->validValues : source_->Listed(*this);
+}
+
+template <class T, class I, EInterfaceType k>
 EIncMode NumberNode<T, I, k>::GetIncMode() {
     return this->Run("GetIncMode", [&] {
-        if (rules_ && !rules_->validValues.empty()) return listIncrement;
+        if (!Listed().empty()) return listIncrement;
         return Limits().hasInc ? fixedIncrement : noIncrement;
     });
 }
@@ -121,7 +127,7 @@ T NumberNode<T, I, k>::GetInc() {
 template <class T, class I, EInterfaceType k>
 std::vector<T> NumberNode<T, I, k>::GetListOfValidValues(bool bounded) {
     return this->Run("GetListOfValidValues", [&] {
-        auto values = rules_ ? rules_->validValues : std::vector<T>();
+        auto values = Listed();
         if (!bounded || values.empty()) return values;
         const auto range = Limits();
         std::erase_if(values, [&](T value) { return value < range.min || value > range.max; });
@@ -198,6 +204,11 @@ void IntegerNode::WriteFloat(double value, bool verify) { WriteNumber(rounded(va
 Range<double> IntegerNode::FloatLimits() {
     const auto range = Limits();
     return {static_cast<double>(range.min), static_cast<double>(range.max), static_cast<double>(range.inc), false};
+}
+
+std::vector<double> IntegerNode::ListedFloats() {
+    const auto listed = Listed();
+    return {listed.begin(), listed.end()};
 }
 
 std::string IntegerNode::CurrentText() {

@@ -56,6 +56,8 @@ public:
     T ReadNumber() { return kept_.Read(*this, *source_); }
     void WriteNumber(T value, bool verify);
     Range<T> Limits();
+    /// Its own list, else that of where the value lives.
+    std::vector<T> Listed();
 
     // Set by the linker. There is always a source, if only one that refuses.
     Source<T>* source_ = nullptr;
@@ -88,6 +90,8 @@ public:
     void WriteFloat(double value, bool verify) override;
     Range<int64_t> IntegerLimits() override { return Limits(); }
     Range<double> FloatLimits() override;
+    std::vector<int64_t> ListedIntegers() override { return Listed(); }
+    std::vector<double> ListedFloats() override;
 
 protected:
     std::string CurrentText() override;
@@ -110,6 +114,7 @@ public:
     void WriteFloat(double value, bool verify) override { WriteNumber(value, verify); }
     Range<int64_t> IntegerLimits() override;
     Range<double> FloatLimits() override { return Limits(); }
+    std::vector<double> ListedFloats() override { return Listed(); }
 
 protected:
     std::string CurrentText() override;

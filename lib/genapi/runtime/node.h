@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include "GenApi/i_category.h"
 #include "GenApi/i_node.h"
@@ -110,6 +111,9 @@ public:
     virtual void WriteString(std::string_view value, bool verify);
     virtual Range<int64_t> IntegerLimits();
     virtual Range<double> FloatLimits();
+    /// The values that are the only allowed ones; empty when they are not listed.
+    virtual std::vector<int64_t> ListedIntegers() { return {}; }
+    virtual std::vector<double> ListedFloats() { return {}; }
     virtual int64_t LongestString();
     /// The node whose unit, representation and notation count where this one has none of its own; null for none.
     virtual Node* Shown() { return nullptr; }
@@ -229,6 +233,14 @@ Range<T> limits_of(Node& node) {
         return node.IntegerLimits();
     else
         return node.FloatLimits();
+}
+
+template <class T>
+std::vector<T> listed_in(Node& node) {
+    if constexpr (std::is_integral_v<T>)
+        return node.ListedIntegers();
+    else
+        return node.ListedFloats();
 }
 
 }  // namespace kiv::genapi

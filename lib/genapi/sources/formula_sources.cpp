@@ -146,6 +146,14 @@ Range<T> ConverterSource<T>::Limits(Node& self) {
 }
 
 template <class T>
+std::vector<T> ConverterSource<T>::Listed(Node& self) {
+    std::vector<T> listed;
+    for (const auto value : listed_in<T>(target_))
+        if (const auto converted = TryFrom(self, value)) listed.push_back(*converted);
+    return listed;
+}
+
+template <class T>
 void ConverterSource<T>::CompileAll(Node& self) {
     formulas_.Compile(self, Tag::FormulaFrom, "TO");
     formulas_.Compile(self, Tag::FormulaTo, "FROM");

@@ -82,6 +82,7 @@ public:
     T Read(Node& self) override { return From(self, read_from<T>(target_)); }
     void Write(Node& self, T value, bool verify) override;
     Range<T> Limits(Node& self) override;
+    std::vector<T> Listed(Node& self) override;
     EAccessMode Mode(Node&) override { return formulas_.IsReadable(&target_) ? target_.Mode() : GenApi::NA; }
     bool IsFresh(Node&) override { return target_.IsFresh() && formulas_.IsFresh(); }
     void CompileAll(Node& self) override;

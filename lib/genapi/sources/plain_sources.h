@@ -34,6 +34,7 @@ public:
     T Read(Node&) override { return read_from<T>(target_); }
     void Write(Node&, T value, bool verify) override { write_to(target_, value, verify); }
     Range<T> Limits(Node&) override { return limits_of<T>(target_); }
+    std::vector<T> Listed(Node&) override { return listed_in<T>(target_); }
     EAccessMode Mode(Node&) override { return target_.Mode(); }
     Node* Shown(Node&) override { return &target_; }
     bool IsFresh(Node&) override { return target_.IsFresh(); }
@@ -65,6 +66,8 @@ public:
         }
         return range;
     }
+
+    std::vector<T> Listed(Node&) override { return listed_in<T>(*targets_[shown_]); }
 
     EAccessMode Mode(Node&) override {
         auto mode = targets_[shown_]->Mode();
@@ -112,6 +115,11 @@ public:
     Range<T> Limits(Node& self) override {
         auto* target = Chosen(self).Target();
         return target ? limits_of<T>(*target) : Range<T>{};
+    }
+
+    std::vector<T> Listed(Node& self) override {
+        auto* target = Chosen(self).Target();
+        return target ? listed_in<T>(*target) : std::vector<T>();
     }
 
     EAccessMode Mode(Node& self) override {

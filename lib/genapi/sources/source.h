@@ -19,6 +19,8 @@ public:
     virtual void Write(Node& self, T value, bool verify) = 0;
     /// The limits that the place itself sets.
     virtual Range<T> Limits(Node& self) = 0;
+    /// The values that the place allows, when it lists them.
+    virtual std::vector<T> Listed(Node&) { return {}; }
     virtual EAccessMode Mode(Node& self) = 0;
     /// The node that the value is taken from unchanged; null when there is no such node.
     virtual Node* Shown(Node&) { return nullptr; }

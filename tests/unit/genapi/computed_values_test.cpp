@@ -180,8 +180,15 @@ TEST(Limits, ComeFromNodesOnlyWhileTheseCanBeRead) {
 
 TEST(ValidValues, AreTheOnlyOnesAllowed) {
     DescribedCamera camera(
-        R"(<Integer Name="F"><Value>2</Value><Max>8</Max><ValidValueSet>1; 2;4;8;16</ValidValueSet></Integer>)");
+        R"(<Integer Name="F"><Value>2</Value><Max>8</Max><ValidValueSet>1; 2;4;8;16</ValidValueSet></Integer>
+        <Integer Name="Over"><pValue>F</pValue><Max>4</Max></Integer><Float Name="AsFloat"><pValue>F</pValue></Float>
+        <Converter Name="Tenth"><FormulaTo>FROM*10</FormulaTo><FormulaFrom>TO/10</FormulaFrom><pValue>F</pValue></Converter>)");
     auto& feature = camera.Integer("F");
+    EXPECT_EQ((int64_autovector_t{1, 2, 4}), camera.Integer("Over").GetListOfValidValues());
+    EXPECT_EQ(listIncrement, camera.Integer("Over").GetIncMode());
+    EXPECT_EQ((double_autovector_t{1, 2, 4, 8}), camera.Float("AsFloat").GetListOfValidValues());
+    EXPECT_EQ((double_autovector_t{0.1, 0.2, 0.4, 0.8}), camera.Float("Tenth").GetListOfValidValues());
+    EXPECT_NODE_ERROR(OutOfRangeException, camera.Integer("Over").SetValue(3), "F", "none of the valid values");
     EXPECT_EQ((int64_autovector_t{1, 2, 4, 8}), feature.GetListOfValidValues());
     EXPECT_EQ(5u, feature.GetListOfValidValues(false).size());
     EXPECT_EQ(listIncrement, feature.GetIncMode());

@@ -78,13 +78,15 @@ TEST_F(Chunks, WithoutAChunkThereIsNoFeature) {
 
 TEST_F(Chunks, OfOneBufferAreOneChange) {
     std::vector<int64_t> seen;
-    Register(map->GetNode("ChunkSum"), [&](INode* node) { seen.push_back(IsReadable(node) ? integer(*map, "ChunkSum") : -1); });
+    const auto handle = Register(map->GetNode("ChunkSum"),
+                                 [&](INode* node) { seen.push_back(IsReadable(node) ? integer(*map, "ChunkSum") : -1); });
     Attach(list);
     buffer[0] = 0x81;
     adapter.UpdateBuffer(buffer.data());
     adapter.DetachBuffer();
     adapter.DetachNodeMap();
     adapter.AttachNodeMap(map.get());
+    Deregister(handle);
     EXPECT_EQ((std::vector<int64_t>{640 + 0x1234, 641 + 0x1234, -1, -1, -1}), seen);
 }
 
