@@ -1,7 +1,11 @@
-// Runs a fuzz target where there is no fuzzer: over its seeds, all their beginnings, and each with one byte changed.
+// Runs a fuzz target where there is no fuzzer: over its seeds, their beginnings, and each with one byte changed, for some
+// seconds.
 //
 //     <program> <folder of seeds>
 
+#include <algorithm>
+#include <bit>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,6 +16,7 @@
 namespace {
 
 using Bytes = std::vector<uint8_t>;
+using Clock = std::chrono::steady_clock;
 
 // In memory of exactly its size, so that reading past the end is seen.
 void run(const Bytes& bytes) {
@@ -19,33 +24,41 @@ void run(const Bytes& bytes) {
     LLVMFuzzerTestOneInput(exact.data(), exact.size());
 }
 
-// Of a large seed only every so many bytes: a test has a few seconds.
-void run_around(Bytes seed) {
-    constexpr size_t mostPlaces = 400;
-    const size_t step = 1 + seed.size() / mostPlaces;
-    for (size_t length = 0; length < seed.size(); length += step)
-        run(Bytes(seed.begin(), seed.begin() + static_cast<ptrdiff_t>(length)));
-    run(seed);
-    for (size_t i = 0; i < seed.size(); i += step) {
-        uint8_t& byte = seed[i];
-        const uint8_t original = byte;
-        for (uint8_t other : {0x00, 0x01, 0x7F, 0x80, 0xFF, static_cast<int>(original ^ 0x10)}) {
-            byte = other;
-            run(seed);
+// Beginnings and changes take turns, from the front to the back in ever smaller steps, until the time is over: what a slow target
+// leaves out of a large seed lies between what it has seen. The number of places that it got to.
+size_t run_around(const Bytes& seed, Clock::time_point end) {
+    std::vector<bool> done(seed.size());
+    size_t places = 0;
+    for (size_t step = std::max<size_t>(1, std::bit_ceil(seed.size()) / 2); step > 0; step /= 2) {
+        for (size_t i = 0; i < seed.size(); i += step) {
+            if (done[i]) continue;
+            done[i] = true;
+            if (Clock::now() > end) return places;
+            ++places;
+            run(Bytes(seed.begin(), seed.begin() + static_cast<ptrdiff_t>(i)));
+            auto changed = seed;
+            for (const int other : {0x00, 0x01, 0x7F, 0x80, 0xFF, seed[i] ^ 0x10}) {
+                changed[i] = static_cast<uint8_t>(other);
+                run(changed);
+            }
         }
-        byte = original;
     }
+    return places;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    int seeds = 0;
+    constexpr auto longest = std::chrono::seconds(10);
+    std::vector<Bytes> seeds;
     for (const auto& entry : std::filesystem::directory_iterator(argc > 1 ? argv[1] : ".")) {
         std::ifstream file(entry.path(), std::ios::binary);
-        run_around(Bytes(std::istreambuf_iterator<char>(file), {}));
-        ++seeds;
+        seeds.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     }
-    std::printf("%d seeds\n", seeds);
-    return seeds > 0 ? 0 : 1;
+    for (const auto& seed : seeds) run(seed);
+    const auto start = Clock::now();
+    size_t places = 0;
+    for (size_t i = 0; i < seeds.size(); ++i) places += run_around(seeds[i], start + longest * (i + 1) / seeds.size());
+    std::printf("%zu seeds, changed at %zu places\n", seeds.size(), places);
+    return seeds.empty() ? 1 : 0;
 }
