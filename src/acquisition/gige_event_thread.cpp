@@ -59,6 +59,7 @@ void GigEEventThread::Run() {
     } catch (const ImageLib::ProducerGate::Shut&) {
         // The camera is gone, or is about to be.
     }
+    if (gate_.IsShut()) platform::debug_print("GigEEventThread: the event thread has ended after its camera.\n");
     ended_.Set();
 }
 
@@ -151,7 +152,7 @@ bool GigEEventThread::Stop() noexcept {
         return true;
     }
     platform::debug_print("GigEEventThread: the event thread does not end and is left to itself.\n");
-    producer_code_ = producer_.Code();
+    answer_of([&] { return ImageLib::keep_loaded(producer_.Code()), K_ST_SUCCESS; });
     gate_.ShutNow();
     Unregister(false);
     thread_.detach();

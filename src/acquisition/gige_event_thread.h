@@ -57,7 +57,6 @@ private:
     std::mutex event_lock_;  // between the thread that ends the event and a stop that kills a wait on it
     GenTL::EVENT_HANDLE event_ = nullptr;
     std::thread thread_;
-    std::shared_ptr<const void> producer_code_;  // for a thread that the producer does not let go of
 };
 
 /// Starts the thread for a camera of a GigE Vision producer; the camera keeps it. A camera without one works all the same.

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
 #include "transport/status.h"
 
@@ -44,6 +45,7 @@ public:
         if (seen & shut_bit) return true;
         return steps_.compare_exchange_strong(seen, seen | shut_bit);
     }
+    bool IsShut() const { return (steps_ & shut_bit) != 0; }
     /// Whatever the thread is doing.
     void ShutNow() { steps_ |= shut_bit; }
 
@@ -56,5 +58,9 @@ private:
 
     std::atomic<Standing> steps_{0};  // odd while inside a call
 };
+
+/// For a thread that the producer does not let go of: its code stays in memory until the process ends. The thread must not be the
+/// one that unloads it, whenever that may be: the producer would clean up on a thread that it has never seen finish.
+void keep_loaded(std::shared_ptr<const void> producer_code);
 
 }  // namespace ImageLib

@@ -180,8 +180,8 @@ void CStreamThread::WaitForLoop() {
 
 void CStreamThread::Abandon() {
     kiv::platform::debug_print("CStreamThread: a thread that the producer does not let go of is left to itself.\n");
+    kiv::answer_of([&] { return keep_loaded(producer_.Code()), K_ST_SUCCESS; });
     std::lock_guard lock(join_lock_);
-    producer_code_ = producer_.Code();
     abandoned_ = true;
     if (thread_.joinable()) thread_.detach();
 }

@@ -98,7 +98,6 @@ private:
     bool given_back_ = false;
     std::mutex join_lock_;
     std::thread thread_;
-    std::shared_ptr<const void> producer_code_;  // for a thread that the producer does not let go of
 };
 
 }  // namespace ImageLib

@@ -130,6 +130,7 @@ TEST_F(GigEEvents, ANodeCallbackMayCloseTheCameraAndTheFactory) {
     auto answer = left_open.get_future();
     ASSERT_EQ(std::future_status::ready, answer.wait_for(std::chrono::seconds(10)));
     EXPECT_THAT(answer.get(), ::testing::IsEmpty());
+    EXPECT_TRUE(debug.WaitFor("ended after its camera")) << "when the callback has returned";
 }
 
 TEST_F(GigEEvents, AWaitThatNeverReturnsDoesNotKeepTheCameraOpen) {
@@ -137,7 +138,7 @@ TEST_F(GigEEvents, AWaitThatNeverReturnsDoesNotKeepTheCameraOpen) {
     struct State {
         std::mutex lock;
         std::condition_variable changed;
-        bool inside = false, open = false, left = false;
+        bool inside = false, open = false;
     };
     auto state = std::make_shared<State>();
     producer->SetHook("EventGetData", [state](const scripted::Call&) -> std::optional<GenTL::GC_ERROR> {
@@ -155,9 +156,13 @@ TEST_F(GigEEvents, AWaitThatNeverReturnsDoesNotKeepTheCameraOpen) {
     EXPECT_EQ((std::vector<std::string>{"TL", "IF0"}), producer->OpenModules());
     EXPECT_THAT(debug.Text(), ::testing::HasSubstr("left to itself"));
     producer->ForgetCalls();
-    std::lock_guard guard(state->lock);
-    state->open = true;
-    state->changed.notify_all();
+    {
+        std::lock_guard guard(state->lock);
+        state->open = true;
+        state->changed.notify_all();
+    }
+    EXPECT_TRUE(debug.WaitFor("ended after its camera"));
+    EXPECT_THAT(producer->Calls(), ::testing::IsEmpty()) << "nothing is called for a camera that is closed";
 }
 
 TEST(GigEEventsElsewhere, OtherProducersAreNotAsked) {
