@@ -45,6 +45,10 @@ protected:
         EXPECT_STATUS(K_ST_SUCCESS, K_Event_WaitForCondition(condition, 10000, &result));
         return result == 1;
     }
+    void SetType(const char* transport) {
+        std::lock_guard guard(producer->lock);
+        producer->tl_type = transport;
+    }
     void* Device() { return &producer->FirstDevice(); }
     void* StreamModule() { return &producer->FirstStream(); }
 

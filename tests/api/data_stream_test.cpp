@@ -125,7 +125,7 @@ TEST_F(DataStreamGigE, TheStartPassesCountAndFlags) {
         std::uint64_t flags;
     } types[] = {{"GEV", 1}, {"GigEVision", 1}, {"GEVther", 1}, {"GigE", 0}, {"U3V", 0}, {"CL", 0}, {"", 0}};
     for (auto& [type, flags] : types) {
-        producer->tl_type = type;
+        SetType(type);
         for (std::uint64_t count : {0, 5}) {
             producer->ForgetCalls();
             EXPECT_STATUS(K_ST_SUCCESS, K_DataStream_StartAcquisition(stream, 1, count));
@@ -135,7 +135,7 @@ TEST_F(DataStreamGigE, TheStartPassesCountAndFlags) {
             EXPECT_STATUS(K_ST_SUCCESS, K_DataStream_StopAcquisition(stream));
         }
     }
-    producer->tl_type = "GEV";
+    SetType("GEV");
     producer->Refuse("TLGetInfo", GenTL::GC_ERR_ERROR, 1, 1);
     EXPECT_STATUS(K_ST_SUCCESS, K_DataStream_StartAcquisition(stream, 1, 1));
     EXPECT_EQ(0u, producer->CallsOf("DSStartAcquisition").back().numbers[1]) << "a producer that does not tell its type";
@@ -158,7 +158,7 @@ TEST_F(DataStream, TheStopAnswersForTheUnlocking) {
     EXPECT_STATUS(K_ST_SUCCESS, K_DataStream_StopAcquisition(stream)) << "never started, which the producer refused";
     producer->Refuse("GCWritePort", GenTL::GC_ERR_ACCESS_DENIED);
     EXPECT_STATUS(K_ST_SUCCESS, K_DataStream_StartAcquisition(stream, 0, 1)) << "the lock is a wish";
-    EXPECT_GENICAM_ERROR("Access Denied", "", K_DataStream_StopAcquisition(stream));
+    EXPECT_GENICAM_ERROR("Access Denied", "TLParamsLocked", K_DataStream_StopAcquisition(stream));
     EXPECT_EQ(2u, producer->Count("DSStopAcquisition"));
     producer->Accept("GCWritePort");
 }
@@ -262,6 +262,7 @@ TEST_F(DataStream, ACameraThatClosesTakesItsStreamsAlong) {
 
 TEST_F(DataStream, AnyOfManyThreadsMayCloseIt) {
     for (int round = 0; round < 20; ++round) {
+        CloseCamera();
         ASSERT_NO_FATAL_FAILURE(OpenCamera());
         ASSERT_NO_FATAL_FAILURE(OpenStream());
         std::array<K_STATUS_CODES, 2> results{};
