@@ -16,18 +16,20 @@ K_API K_STATUS_CODES K_CALL K_SetDebugOutput(K_DEBUG_OUTPUT_CALLBACK callback, v
 /**
  * Switches the logging of the GenICam modules on.
  *
- * genApi, genTL, clProtocol: which categories to log: the node map engine with its register accesses, the calls of producers, the
- *            Camera Link protocol. With none of them no log is configured (and an earlier one stays).
- * producers: asks producers to log, too, by the environment of this process: KIV_GENTL_LOGGING and KIV_LIBUSB_LOGGING become
- *            "TRUE", KIV_LOG_LEVEL a number from 1 to 6 for `level`; false removes the three. Only producers that are loaded, or
- *            look, later see it.
- * fileName:  where to: a file ("$(NAME)" is expanded; lines are added at its end), or the debugger output for an empty name.
- * Null: the default configuration, which is the file that GENICAM_LOG_CONFIG names, or else errors to the debugger output. level:
- * "EMERG", "FATAL", "ALERT", "CRIT", "ERROR", "WARN", "NOTICE", "INFO", "DEBUG" or "NOTSET". pattern:   a log4cpp pattern, such
- * as "%d %p %c: %m%n". level and pattern must not be null when a category or `producers` is set.
+ * genApi, genTL, clProtocol:
+ *            which categories to log: the node map engine with its register accesses, the calls of producers, the Camera
+ *            Link protocol. With none of them no log is configured, and an earlier one stays.
+ * producers: asks producers to log, too, by the environment of this process: KIV_GENTL_LOGGING and KIV_LIBUSB_LOGGING
+ *            become "TRUE", KIV_LOG_LEVEL a number from 1 to 6 for `level`; false removes the three. Only producers that
+ *            are loaded, or look, later see it.
+ * fileName:  where to: a file ("$(NAME)" is expanded; lines are added at its end), or the debugger output for an empty
+ *            name. Null: the file that GENICAM_LOG_CONFIG names, or else errors to the debugger output.
+ * level:     "EMERG", "FATAL", "ALERT", "CRIT", "ERROR", "WARN", "NOTICE", "INFO", "DEBUG" or "NOTSET".
+ * pattern:   a log4cpp pattern, such as "%d %p %c: %m%n".
  *
- * Returns K_ST_IO when the log cannot be set up (a level that is none, a file that cannot be written); the environment is left as
- * it was then.
+ * Level and pattern must not be null when a category is set and fileName is not null (K_ST_INVALID_PARAMETER).
+ * Returns K_ST_IO when the log cannot be set up (a level that is none, a file that cannot be written); the environment is
+ * left as it was then.
  */
 K_API K_STATUS_CODES K_CALL K_EnableLogging(bool8_kiv genApi, bool8_kiv genTL, bool8_kiv clProtocol, bool8_kiv producers,
                                             const char* fileName, const char* level, const char* pattern);

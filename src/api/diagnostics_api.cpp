@@ -44,7 +44,9 @@ K_API K_STATUS_CODES K_CALL K_SetDebugOutput(K_DEBUG_OUTPUT_CALLBACK callback, v
 K_API K_STATUS_CODES K_CALL K_EnableLogging(bool8_kiv genApi, bool8_kiv genTL, bool8_kiv clProtocol, bool8_kiv producers,
                                             const char* fileName, const char* level, const char* pattern) {
     return guarded_as(K_ST_IO, [&] {
-        // A null level is no level: the log refuses it, and producers take it for the quietest.
+        const bool writes_properties = (genApi || genTL || clProtocol) && fileName;
+        require(!writes_properties || (level && pattern));
+        // To producers a null level is an unknown one.
         enable_logging({genApi, genTL, clProtocol, producers, fileName, level ? level : "", pattern ? pattern : ""});
         return K_ST_SUCCESS;
     });

@@ -44,13 +44,21 @@ class Walk {
 public:
     Walk(SaveMode mode, const RecordError& record) : mode_(mode), record_(record) {}
 
-    void Features(const GenApi::FeatureList_t& features) {
-        for (auto* each : features)
-            if (auto* node = each ? each->GetNode() : nullptr) Feature(*node, *each);
+    /// Begins at a category that is in nobody's list.
+    void From(GenApi::INode& root, GenApi::ICategory& category) {
+        path_.push_back(&root);
+        GenApi::FeatureList_t features;
+        category.GetFeatures(features);
+        Features(features);
     }
     Settings Take() { return std::move(settings_); }
 
 private:
+    void Features(const GenApi::FeatureList_t& features) {
+        for (auto* each : features)
+            if (auto* node = each ? each->GetNode() : nullptr) Feature(*node, *each);
+    }
+
     void Feature(GenApi::INode& node, GenApi::IValue& value) {
         // What selects or contains itself is in the list already.
         if (std::ranges::find(path_, &node) != path_.end() || !is_there(node.GetAccessMode())) return;
@@ -139,10 +147,8 @@ Settings collect_settings(GenApi::INodeMap& map, SaveMode mode, const RecordErro
     auto* root = map.GetNode("Root");
     auto* category = root ? interface_of<GenApi::ICategory>(*root) : nullptr;
     if (!category) throw GenICam::LogicalErrorException("NULL pointer dereferenced", "collect_settings", __LINE__);
-    GenApi::FeatureList_t features;
-    category->GetFeatures(features);
     Walk walk(mode, record);
-    walk.Features(features);
+    walk.From(*root, *category);
     return walk.Take();
 }
 

@@ -54,7 +54,8 @@ TEST_F(Logging, ConfiguresTheCategories) {
     EXPECT_STATUS(K_ST_SUCCESS, K_EnableLogging(true, true, true, false, "$(KIV_TEST_LOGS)/all.log", "DEBUG", pattern));
     EXPECT_TRUE(std::ifstream(folder.In("all.log")).good()) << "the file is there at once";
     EXPECT_STATUS(K_ST_IO, K_EnableLogging(true, false, false, false, "$(KIV_TEST_LOGS)/none/all.log", "DEBUG", pattern));
-    EXPECT_STATUS(K_ST_IO, K_EnableLogging(true, false, false, false, "", nullptr, nullptr));
+    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_EnableLogging(true, false, false, false, "", nullptr, pattern));
+    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_EnableLogging(true, false, false, false, "", "INFO", nullptr));
     EXPECT_STATUS(K_ST_SUCCESS, K_EnableLogging(true, false, false, false, "", "NOTSET", pattern));
     EXPECT_STATUS(K_ST_SUCCESS, K_EnableLogging(true, false, false, false, nullptr, "INFO", pattern));
     EXPECT_STATUS(K_ST_IO, K_EnableLoggingFromFile("$(KIV_TEST_LOGS)/none.properties"));

@@ -38,8 +38,8 @@ TEST_F(PixelFormats, AreTranslatedBothWays) {
     char name[64] = "";
     EXPECT_STATUS(K_ST_SUCCESS, K_Image_Get_PixelFormatName(camera, 0x01080009, name, sizeof name));
     EXPECT_STREQ("BayerRG8", name);
-    EXPECT_STATUS(K_ST_SUCCESS, K_Image_Get_Remote_PixelFormatName(camera, 0x11, name, 9));
-    EXPECT_STREQ("GVSP_PIX", name) << "cut and terminated";
+    EXPECT_STATUS(K_ST_SUCCESS, K_Image_Get_Remote_PixelFormatName(camera, 0x11, name, 31));
+    EXPECT_STREQ("EnumEntry_PixelFormat_GVSP_PIX", name) << "a name with underscores keeps its prefix; cut and terminated";
     EXPECT_STATUS(K_ST_NO_DATA, K_Image_Get_PixelFormatFromName(camera, "Secret", &code));
     EXPECT_STATUS(K_ST_NO_DATA, K_Image_Get_PixelFormatName(camera, 0x12, name, sizeof name));
     EXPECT_STATUS(K_ST_INVALID_HANDLE, K_Image_Get_PixelFormatName(camera, ~std::uint64_t{0}, name, sizeof name));

@@ -45,6 +45,10 @@ constexpr const char* description = R"(<?xml version="1.0" encoding="utf-8"?>
 <Port Name="Device"></Port>
 </RegisterDescription>)";
 
+// A document with a type is checked against it: without these every script with entities would be refused for that alone.
+const std::string declared =
+    "<!ELEMENT Script ANY><!ELEMENT CommandList ANY><!ELEMENT Command ANY><!ELEMENT FeatureName ANY><!ELEMENT FeatureValue ANY>";
+
 class SettingsFile : public ScriptedFactory {
 protected:
     void Open(std::string text = description) {
@@ -209,7 +213,7 @@ TEST_F(SettingsFile, TakesScriptsFromElsewhere) {
     Script("<!-- note --><Extra>text</Extra>" + Command("Width", "32"),
            "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><!-- \xE9 -->");
     loads(32);
-    Script(Command("Width", "&v;"), "<!DOCTYPE Script [<!ENTITY v \"48\">]>");
+    Script(Command("Width", "&v;"), "<!DOCTYPE Script [" + declared + "<!ENTITY v \"48\">]>");
     loads(48);
     Script("<Command><FeatureName>Title</FeatureName><FeatureValue></FeatureValue></Command>" + Command("Width", "56"));
     loads(56);
@@ -225,7 +229,7 @@ TEST_F(SettingsFile, RefusesWhatIsNoScript) {
     ASSERT_NO_FATAL_FAILURE(Open());
     const auto secret = folder.In("secret.txt");
     std::ofstream(secret) << "96";
-    std::string bomb = "<!DOCTYPE Script [<!ENTITY a0 \"0123456789\">";
+    std::string bomb = "<!DOCTYPE Script [" + declared + "<!ENTITY a0 \"0123456789\">";
     for (int i = 1; i < 12; ++i) {
         bomb += "<!ENTITY a" + std::to_string(i) + " \"";
         for (int k = 0; k < 10; ++k) bomb += "&a" + std::to_string(i - 1) + ";";
@@ -241,8 +245,10 @@ TEST_F(SettingsFile, RefusesWhatIsNoScript) {
         "<?xml version=\"1.0\" encoding=\"no-such-encoding\"?><Script/>",
         "<?xml version=\"1.0\" encoding=\"utf-8\"?><Script>\xC3\x28</Script>",
         bomb + "]><Script>" + Command("Width", "&a11;") + "</Script>",
-        "<!DOCTYPE Script [<!ENTITY v SYSTEM \"file://" + secret + "\">]><Script>" + Command("Width", "&v;") + "</Script>",
-        "<!DOCTYPE Script [<!ENTITY v \"" + std::string(5000, '1') + "\">]><Script>" + Command("Width", "&v;") + "</Script>",
+        "<!DOCTYPE Script [" + declared + "<!ENTITY v SYSTEM \"file://" + secret + "\">]><Script>" + Command("Width", "&v;") +
+            "</Script>",
+        "<!DOCTYPE Script [" + declared + "<!ENTITY v \"" + std::string(5000, '1') + "\">]><Script>" + Command("Width", "&v;") +
+            "</Script>",
     };
     for (auto& text : texts) {
         std::ofstream(File(), std::ios::binary) << text;

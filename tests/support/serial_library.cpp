@@ -16,8 +16,8 @@
 
 namespace {
 
-constexpr int no_error = 0, buffer_too_small = -10001, port_in_use = -10003, timed_out = -10004, invalid_index = -10005,
-              invalid_reference = -10006, rate_not_supported = -10008;
+[[maybe_unused]] constexpr int no_error = 0, buffer_too_small = -10001, port_in_use = -10003, timed_out = -10004,
+                               invalid_index = -10005, invalid_reference = -10006, rate_not_supported = -10008;
 
 struct Listed {
     std::string name, device;
