@@ -23,6 +23,7 @@
 #include <kiv/factory.h>
 #include <kiv/gentl.h>
 #include <kiv/image.h>
+#include <kiv/imaging.h>
 #include <kiv/node.h>
 #include <kiv/pixel_format.h>
 #include <kiv/settings.h>

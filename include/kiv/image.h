@@ -59,6 +59,19 @@ K_API K_STATUS_CODES K_CALL K_Image_DSGetValueInt64(CAM_HANDLE hCamera, const ch
 K_API K_STATUS_CODES K_CALL K_Image_DSSetValueInt64(CAM_HANDLE hCamera, const char* featureName, int64_t value);
 
 /**
+ * The factors by which the stream shows the colours of its images, in units of 1/4096 (4096 at first). They do not touch the
+ * images that callbacks get. From any thread; an image that is being shown may use some of the new ones.
+ */
+K_API K_STATUS_CODES K_CALL K_Image_SetGain(THRD_HANDLE hThread, uint32_t red, uint32_t green, uint32_t blue);
+K_API K_STATUS_CODES K_CALL K_Image_GetGain(THRD_HANDLE hThread, uint32_t* pRed, uint32_t* pGreen, uint32_t* pBlue);
+/**
+ * Asks for gains of red and blue with which the next image is white in its middle ninth. The stream thread sets them before it
+ * shows that image, or calls a callback without a context; streams whose callback has a context do not heed it. An image without
+ * any of the three colours leaves the gains as they are.
+ */
+K_API K_STATUS_CODES K_CALL K_Image_ExecuteWhiteBalance(THRD_HANDLE hThread);
+
+/**
  * GenTL's BUFFER_INFO_CMD on the buffer that the callback is being given: whether the image is incomplete
  * (BUFFER_INFO_IS_INCOMPLETE), how many bytes came (BUFFER_INFO_SIZE_FILLED), and whatever else the record does not hold.
  * Only inside the callback, on its thread; K_ST_NOT_AVAILABLE elsewhere. *pSize is copied back whatever the result.

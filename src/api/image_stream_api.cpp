@@ -5,6 +5,7 @@
 #include "acquisition/image_stream.h"
 #include "api/adaptors.h"
 #include "api/checks.h"
+#include "imaging/view_display.h"
 
 using namespace kiv;
 using namespace kiv::api;
@@ -14,6 +15,7 @@ static K_STATUS_CODES open_stream(CAM_HANDLE hCamera, uint32_t streamIndex, Imag
                                   THRD_HANDLE* phThread, uint32_t bufferSize, uint32_t multicast) {
     auto& opened = camera(hCamera);
     auto& result = out(phThread);
+    provide_view_display();
     auto stream = CImageStream::On(opened);
     stream->Open(streamIndex, bufferSize, multicast, callback);
     result = static_cast<THRD_HANDLE>(share_handle(stream, HandleKind::thread));
@@ -113,6 +115,29 @@ K_API K_STATUS_CODES K_CALL K_Image_GetStreamStatistics(THRD_HANDLE hThread, K_S
         auto stream = image_stream(hThread);
         auto& statistics = out(pStatistics);
         statistics = stream->Thread() ? stream->Thread()->Statistics() : K_STREAM_STATISTICS{};
+        return K_ST_SUCCESS;
+    });
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_SetGain(THRD_HANDLE hThread, uint32_t red, uint32_t green, uint32_t blue) {
+    return guarded([&] {
+        image_stream(hThread)->Display().SetGains({red, green, blue});
+        return K_ST_SUCCESS;
+    });
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_GetGain(THRD_HANDLE hThread, uint32_t* pRed, uint32_t* pGreen, uint32_t* pBlue) {
+    return guarded([&] {
+        auto gains = image_stream(hThread)->Display().Gains();
+        out(pRed), out(pGreen), out(pBlue);
+        *pRed = gains.red, *pGreen = gains.green, *pBlue = gains.blue;
+        return K_ST_SUCCESS;
+    });
+}
+
+K_API K_STATUS_CODES K_CALL K_Image_ExecuteWhiteBalance(THRD_HANDLE hThread) {
+    return guarded([&] {
+        image_stream(hThread)->Display().RequestWhiteBalance();
         return K_ST_SUCCESS;
     });
 }
