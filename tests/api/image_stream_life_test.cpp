@@ -297,14 +297,16 @@ TEST_F(ImageStream, TheCallbackMayCloseTheCameraAndTheFactory) {
 
 TEST_F(ImageStream, TheCallbackMayCloseTheStreamThatAClosingCameraWaitsFor) {
     Closer closer;
+    std::promise<void> inside;
     closer.close = [&](K_IMAGE_INFO&) {
+        inside.set_value();
         EXPECT_TRUE(producer->WaitForCalls("DSStopAcquisition", 1)) << "the camera is being closed";
         CloseStream();
     };
     ASSERT_STATUS(K_ST_SUCCESS,
                   K_Image_OpenStream(camera, 0, &closer, reinterpret_cast<AnyFunction>(close_by), &stream, buffer_size, 0));
     Deliver(image_frame(1, 64, 48));
-    ASSERT_TRUE(producer->WaitForCalls("DSGetInfo", 1));
+    ASSERT_EQ(std::future_status::ready, inside.get_future().wait_for(std::chrono::seconds(10)));
     CloseCamera();
     ASSERT_EQ(std::future_status::ready, closer.done.get_future().wait_for(std::chrono::seconds(10)));
     EXPECT_EQ(1u, producer->Count("DSClose"));
