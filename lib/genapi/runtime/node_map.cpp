@@ -79,7 +79,7 @@ void NodeMap::Poll(int64_t elapsedMilliseconds) {
 }
 
 void NodeMap::RunOperation(void (*body)(void* context), void* context) {
-    Operation scope(engine_, engine_.operation);
+    Operation scope(engine_, "RunTogether");
     body(context);
     scope.Finish();
 }
