@@ -212,7 +212,10 @@ void Device::ReadEventSettings() {
 
 void Device::RegistersWritten(uint64_t address, size_t size) {
     simulation_written(camera_, *entry_.state, address, size);
-    if (address < row_of(Reg::FaultEntryClear).End()) ReadEventSettings();
+    const auto touches = [&](Reg reg) { return address < row_of(reg).End() && row_of(reg).address < address + size; };
+    // A reset and a user set change them as well.
+    for (auto reg : {Reg::FaultEventCopies, Reg::EventRecordSize, Reg::UserSetLoad, Reg::DeviceReset})
+        if (touches(reg)) return ReadEventSettings();
 }
 
 void Device::StartEvents(EventQueue& registered) {

@@ -1,7 +1,9 @@
 #include "camera_core.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <memory_resource>
 #include <vector>
 
 #include "GenTL/GenTL.h"
@@ -26,11 +28,17 @@ Place place_of(const RegisterRow& row, uint64_t address, uint64_t end) {
 
 }  // namespace
 
-struct CameraCore::Changed {
-    Reg reg;
-    uint32_t index;
-    std::vector<std::byte> before;
-    uint64_t value;
+/// What one write has changed so far. Most writes touch one small register: they need no memory but this.
+struct CameraCore::Changes {
+    struct Changed {
+        Reg reg;
+        uint32_t index;
+        std::pmr::vector<std::byte> before;
+        uint64_t value;
+    };
+    std::array<std::byte, 512> space;
+    std::pmr::monotonic_buffer_resource memory{space.data(), space.size()};
+    std::pmr::vector<Changed> list{&memory};
 };
 
 CameraCore::CameraCore(const CameraConfig& config) : registers_(config), power_cycles_(0) {
@@ -57,18 +65,19 @@ int32_t CameraCore::Read(uint64_t address, std::byte* out, size_t size) {
     return GenTL::GC_ERR_SUCCESS;
 }
 
-int32_t CameraCore::Put(uint64_t address, const std::byte* in, uint64_t end, std::vector<Changed>& changed) {
+int32_t CameraCore::Put(uint64_t& address, const std::byte* in, uint64_t end, Changes& changes) {
     const auto* row = register_at(address);
     if (!row) return GenTL::GC_ERR_INVALID_ADDRESS;
     if (row->access == Access::RO || (row->Has(kFormat) && clock_.Acquiring())) return GenTL::GC_ERR_ACCESS_DENIED;
     const auto place = place_of(*row, address, end);
     const auto element = registers_.Element(place.reg, place.index);
-    std::vector<std::byte> wanted(element.begin(), element.end());
+    std::pmr::vector<std::byte> wanted(element.begin(), element.end(), &changes.memory);
     std::memcpy(wanted.data() + (address - place.begin), in, place.end - address);
     if (!takes_value(registers_, place.reg, place.index, wanted)) return GenTL::GC_ERR_INVALID_VALUE;
-    changed.push_back({place.reg, place.index, {element.begin(), element.end()}, 0});
+    changes.list.push_back({place.reg, place.index, {element.begin(), element.end(), &changes.memory}, 0});
     std::ranges::copy(wanted, element.begin());
-    if (row->bytes <= sizeof(uint64_t)) changed.back().value = registers_.Uint(place.reg, place.index);
+    if (row->bytes <= sizeof(uint64_t)) changes.list.back().value = registers_.Uint(place.reg, place.index);
+    address = place.end;
     return GenTL::GC_ERR_SUCCESS;
 }
 
@@ -76,18 +85,15 @@ int32_t CameraCore::Put(uint64_t address, const std::byte* in, uint64_t end, std
 // taken as a whole. When one refuses, all get their old content back.
 int32_t CameraCore::Write(uint64_t address, const std::byte* in, size_t size) {
     const uint64_t end = address + size;
-    std::vector<Changed> changed;
+    Changes changes;
     int32_t status = GenTL::GC_ERR_SUCCESS;
-    for (uint64_t at = address; at < end && status == GenTL::GC_ERR_SUCCESS;) {
-        status = Put(at, in + (at - address), end, changed);
-        if (status == GenTL::GC_ERR_SUCCESS) at = place_of(*register_at(at), at, end).end;
-    }
-    for (auto i = changed.rbegin(); i != changed.rend(); ++i) {
+    for (uint64_t at = address; at < end && status == GenTL::GC_ERR_SUCCESS;) status = Put(at, in + (at - address), end, changes);
+    for (auto i = changes.list.rbegin(); i != changes.list.rend(); ++i) {
         const bool keeps = status == GenTL::GC_ERR_SUCCESS && !row_of(i->reg).Has(kCommand);
         if (!keeps) std::ranges::copy(i->before, registers_.Element(i->reg, i->index).begin());
     }
     if (status != GenTL::GC_ERR_SUCCESS) return status;
-    for (const auto& item : changed) Effect(item.reg, item.index, item.value);
+    for (const auto& item : changes.list) Effect(item.reg, item.index, item.value);
     return status;
 }
 

@@ -46,12 +46,13 @@ public:
     void PowerCycle();
 
 private:
-    struct Changed;
+    struct Changes;
     bool Tells(EventKind kind) const;
     void Tell(EventKind kind, uint64_t when, uint64_t frame);
     std::optional<uint64_t> NextExposure();
     std::optional<uint64_t> NextEdge(uint64_t after) const;
-    int32_t Put(uint64_t address, const std::byte* in, uint64_t end, std::vector<Changed>& changed);
+    /// Writes one register; `address` goes on to what stands behind it.
+    int32_t Put(uint64_t& address, const std::byte* in, uint64_t end, Changes& changes);
     void Refresh(const RegisterRow& row);
     void RefreshStatus();
     void RefreshTemperatures();
