@@ -23,10 +23,10 @@ constexpr const char* kFooter =
 std::string version_text() { return std::string("kiv ") + KIV_VERSION + " (library " + library_info(0) + ")"; }
 
 using AddCommand = void (*)(CLI::App&, Invocation&);
-constexpr std::array<AddCommand, 13> kCommands{add_list_command, add_info_command, add_features_command,  add_get_command,
+constexpr std::array<AddCommand, 15> kCommands{add_list_command, add_info_command, add_features_command,  add_get_command,
                                                add_set_command,  add_exec_command, add_watch_command,     add_grab_command,
                                                add_xml_command,  add_tree_command, add_producers_command, add_probe_command,
-                                               add_lint_command};
+                                               add_lint_command, add_save_command, add_load_command};
 
 /// What ends up on the error stream starts with the program's name, like the messages of any tool in a script.
 int report(ExitCode exit, const char* message) {

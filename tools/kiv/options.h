@@ -64,4 +64,6 @@ void add_grab_command(CLI::App& app, Invocation& invocation);
 void add_tree_command(CLI::App& app, Invocation& invocation);
 void add_probe_command(CLI::App& app, Invocation& invocation);
 void add_watch_command(CLI::App& app, Invocation& invocation);
+void add_save_command(CLI::App& app, Invocation& invocation);
+void add_load_command(CLI::App& app, Invocation& invocation);
 void add_lint_command(CLI::App& app, Invocation& invocation);
