@@ -12,7 +12,19 @@
 
 namespace kiv {
 
-enum class HandleKind : std::uint8_t { factory = 1, camera, stream, event, condition, thread, view, transport_layer, interface, plain_event, cancel_event };
+enum class HandleKind : std::uint8_t {
+    factory = 1,
+    camera,
+    stream,
+    event,
+    condition,
+    thread,
+    view,
+    transport_layer,
+    interface,
+    plain_event,
+    cancel_event
+};
 
 bool is_live(const void* handle, HandleKind kind) noexcept;
 

@@ -25,7 +25,8 @@ public:
 
     std::string Ask(Node& node, bool writing, int depth = 0) {
         if (depth >= deepest) return {};
-        if (const auto* fault = node.Fault()) return (&node == &start_ ? "Its description" : "The description of " + quoted(node)) + " is faulty: " + *fault;
+        if (const auto* fault = node.Fault())
+            return (&node == &start_ ? "Its description" : "The description of " + quoted(node)) + " is faulty: " + *fault;
         if (auto text = OfConditions(node); !text.empty()) return text;
         for (const auto mode : {node.Imposed(), node.described_})
             if (!(writing ? IsWritable(mode) : IsReadable(mode)))
