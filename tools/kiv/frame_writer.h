@@ -8,11 +8,7 @@
 #include <vector>
 
 #include "frame_queue.h"
-
-enum class FileKind { kRaw, kPng, kTiff };
-
-/// "raw", "png", "tiff"
-const char* file_kind_name(FileKind kind);
+#include "image_file.h"
 
 /// What was written of one frame. `info.image_data` is null.
 struct WrittenFrame {
@@ -24,7 +20,7 @@ struct WrittenFrame {
 class FrameWriter {
 public:
     /// Starts the threads. The queue must outlive the writer.
-    FrameWriter(FrameQueue& queue, std::filesystem::path folder, FileKind kind, unsigned threads);
+    FrameWriter(FrameQueue& queue, std::filesystem::path folder, const FileStyle& style, unsigned threads);
     /// Abandons what is not written yet.
     ~FrameWriter();
     FrameWriter(const FrameWriter&) = delete;
@@ -46,7 +42,7 @@ private:
 
     FrameQueue& queue_;
     const std::filesystem::path folder_;
-    const FileKind kind_;
+    const FileStyle style_;
     mutable std::mutex mutex_;
     std::string failure_;
     uint64_t failed_ = 0;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <map>
 #include <set>
 
 #include "camera_list.h"
@@ -33,14 +32,12 @@ struct Arguments {
     std::string camera;
     std::string folder;
     uint64_t count = 1;
-    FileKind kind = FileKind::kPng;
+    FileStyle style;
     unsigned writers = 2;
     std::size_t queue = 0;
     uint32_t buffer_size = 0;
     bool manifest = false;
 };
-
-const std::map<std::string, FileKind> kFormats{{"raw", FileKind::kRaw}, {"png", FileKind::kPng}, {"tiff", FileKind::kTiff}};
 
 constexpr std::chrono::milliseconds kShowInterval{50};
 constexpr int32_t kStreamNumUnderrun = 2;  // STREAM_INFO_NUM_UNDERRUN of GenTL
@@ -90,7 +87,7 @@ public:
         : camera_(camera),
           timeout_(timeout_s),
           queue_(queue_capacity(arguments.queue, payload)),
-          writer_(queue_, arguments.folder, arguments.kind, arguments.writers),
+          writer_(queue_, arguments.folder, arguments.style, arguments.writers),
           receiver_(queue_, arguments.count),
           progress_(arguments.count),
           stream_(camera, payload, &receiver_, FrameReceiver::OnImage) {}
@@ -175,7 +172,7 @@ ExitCode grab(const Options& options, const Arguments& arguments) {
     report.camera = find_camera(factory, arguments.camera);
     const Camera camera(factory, report.camera.id);
     report.folder = made_folder(arguments.folder);
-    report.kind = arguments.kind;
+    report.kind = arguments.style.kind;
     report.wanted = arguments.count;
     report.pixel_format = camera.Text("PixelFormat").value_or("unknown");
     const uint32_t payload = payload_size(camera, arguments.buffer_size);
@@ -199,10 +196,7 @@ void add_options(CLI::App& command, Arguments& arguments) {
     command.add_option("-o,--output", arguments.folder, "Folder for the images; made if it is not there")
         ->type_name("DIR")
         ->required();
-    command.add_option("--format", arguments.kind, "Kind of files: raw, png, tiff")
-        ->type_name("FORMAT")
-        ->transform(CLI::CheckedTransformer(kFormats, CLI::ignore_case).description(""))
-        ->default_str("png");
+    add_file_options(command, arguments.style);
     command.add_flag("--manifest", arguments.manifest, "Write frames.json, which tells frame id and time stamp of each file");
     command.add_option("--writers", arguments.writers, "Threads that compress and write")
         ->type_name("N")
