@@ -89,6 +89,7 @@ public:
     PortIdentity Identity() override;
     DescriptionInfo Description() override;
     EntryFaults* Faults() override { return faults_; }
+    RemotePort* AsRemotePort() noexcept override { return this; }
 
 private:
     std::shared_ptr<Device> Owner() const;

@@ -14,7 +14,7 @@ template <typename Use>
 void with_port(PORT_HANDLE handle, Use use) {
     {
         const Found<Object> object(handle);
-        if (auto* camera = dynamic_cast<RemotePort*>(&*object)) return use(*camera);
+        if (auto* camera = object->AsRemotePort()) return use(*camera);
         if (dynamic_cast<Buffer*>(&*object)) fail(GC_ERR_NOT_IMPLEMENTED, "Buffers have no port");
     }
     const Locked<Module> module(handle);

@@ -12,6 +12,7 @@
 namespace kivsim {
 
 class EntryFaults;
+class RemotePort;
 
 /// Something that the consumer holds a handle of.
 class Object {
@@ -24,6 +25,8 @@ public:
     void* Handle() const noexcept { return handle_; }
     /// What the functions of the producer were asked to do wrong with this object's camera; null when it belongs to none.
     virtual EntryFaults* Faults() { return nullptr; }
+    /// This, when it is one: most calls of all are its reads and writes.
+    virtual RemotePort* AsRemotePort() noexcept { return nullptr; }
 
 private:
     friend class HandleTable;

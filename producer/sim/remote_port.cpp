@@ -35,16 +35,25 @@ std::shared_ptr<Device> RemotePort::Owner() const {
 
 void RemotePort::Read(uint64_t address, std::span<std::byte> out) {
     const auto device = Owner();
-    meet_register_fault(device->Present(), *device->Entry().state, address, out.size());
-    check(device->Present().Read(address, out.data(), out.size()), device->Entry().id, "read", address, out.size());
+    Camera& camera = device->Present();
+    int32_t status = camera.ReadFromOutside(address, out.data(), out.size());
+    if (status == Camera::kFaultDue) {
+        meet_register_fault(camera, *device->Entry().state);
+        status = device->Present().Read(address, out.data(), out.size());
+    }
+    check(status, device->Entry().id, "read", address, out.size());
 }
 
 void RemotePort::Write(uint64_t address, std::span<const std::byte> in) {
     const auto device = Owner();
     Camera& camera = device->Present();
     if (device->ReadOnly()) fail(GenTL::GC_ERR_ACCESS_DENIED, "Device " + device->Entry().id + " is opened for reading only");
-    meet_register_fault(camera, *device->Entry().state, address, in.size());
-    check(camera.Write(address, in.data(), in.size()), device->Entry().id, "write", address, in.size());
+    int32_t status = camera.WriteFromOutside(address, in.data(), in.size());
+    if (status == Camera::kFaultDue) {
+        meet_register_fault(camera, *device->Entry().state);
+        status = device->Present().Write(address, in.data(), in.size());
+    }
+    check(status, device->Entry().id, "write", address, in.size());
     device->RegistersWritten(address, in.size());
 }
 

@@ -47,11 +47,7 @@ void reset_simulation(Camera& camera, const SimulationValues& values) {
     for (const auto& [reg, value] : values) camera.Write(row_of(reg).address, &value, row_of(reg).bytes);
 }
 
-void meet_register_fault(Camera& camera, CameraState& state, uint64_t address, size_t size) {
-    if (address >= row_of(first).address && address < row_of(last).End()) return;  // the way out stays open
-    if (value_of(camera, Reg::FaultRegisterEnable) == 0) return;
-    const uint64_t at = value_of(camera, Reg::FaultRegisterAddress);
-    if (at < address || at - address >= size) return;
+void meet_register_fault(Camera& camera, CameraState& state) {
     state.Faults().Delay(time_of(camera, Reg::FaultRegisterDelay));
     const GC_ERROR status = status_of(camera, Reg::FaultRegisterStatus);
     if (status != GenTL::GC_ERR_SUCCESS) fail(status, "The register was asked to fail");

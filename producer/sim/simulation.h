@@ -19,8 +19,8 @@ using SimulationValues = std::vector<std::pair<Reg, uint64_t>>;
 
 /// All as delivered, but for these.
 void reset_simulation(Camera& camera, const SimulationValues& values);
-/// Waits and throws when one of these addresses shall fail.
-void meet_register_fault(Camera& camera, CameraState& state, uint64_t address, size_t size);
+/// To be called when an access met Camera::kFaultDue: waits as long, and throws what, the registers ask for.
+void meet_register_fault(Camera& camera, CameraState& state);
 /// Does what a write of these addresses means beyond the registers.
 void simulation_written(Camera& camera, CameraState& state, uint64_t address, size_t size);
 

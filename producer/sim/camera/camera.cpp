@@ -40,6 +40,8 @@ struct Camera::Impl {
         OfferDescription();
     }
     void OfferDescription();
+    int32_t Read(uint64_t address, void* out, size_t size, bool from_outside);
+    int32_t Write(uint64_t address, const void* in, size_t size, bool from_outside);
     /// With the lock: how long nothing will happen; `due`: when the next frame is.
     std::chrono::nanoseconds UntilNextMoment(uint64_t now, std::optional<uint64_t> due);
     /// Whether all of the range is in the text of the description.
@@ -92,29 +94,34 @@ void Camera::Impl::OfferDescription() {
 Camera::Camera(const CameraConfig& config) : impl_(std::make_unique<Impl>(config)) {}
 Camera::~Camera() = default;
 
-int32_t Camera::Read(uint64_t address, void* out, size_t size) {
+int32_t Camera::Impl::Read(uint64_t address, void* out, size_t size, bool from_outside) {
     if (size == 0) return GenTL::GC_ERR_SUCCESS;
     if (!out) return GenTL::GC_ERR_INVALID_PARAMETER;
     if (address > std::numeric_limits<uint64_t>::max() - size) return GenTL::GC_ERR_INVALID_ADDRESS;
     auto* to = static_cast<std::byte*>(out);
-    if (impl_->InDescription(address, size)) {
-        std::memcpy(to, impl_->description.data() + (address - kDescriptionAddress), size);
-        return GenTL::GC_ERR_SUCCESS;
-    }
-    const std::lock_guard guard(impl_->lock);
-    return impl_->core.Read(address, to, size);
+    const std::lock_guard guard(lock);
+    if (from_outside && core.FaultDue(address, size)) return kFaultDue;
+    if (!InDescription(address, size)) return core.Read(address, to, size);
+    std::memcpy(to, description.data() + (address - kDescriptionAddress), size);
+    return GenTL::GC_ERR_SUCCESS;
 }
 
-int32_t Camera::Write(uint64_t address, const void* in, size_t size) {
+int32_t Camera::Impl::Write(uint64_t address, const void* in, size_t size, bool from_outside) {
     if (size == 0) return GenTL::GC_ERR_SUCCESS;
     if (!in) return GenTL::GC_ERR_INVALID_PARAMETER;
     if (address > std::numeric_limits<uint64_t>::max() - size) return GenTL::GC_ERR_INVALID_ADDRESS;
-    if (impl_->InDescription(address, size)) return GenTL::GC_ERR_ACCESS_DENIED;
-    const std::lock_guard guard(impl_->lock);
-    const int32_t status = impl_->core.Write(address, static_cast<const std::byte*>(in), size);
-    impl_->changed.notify_all();
+    const std::lock_guard guard(lock);
+    if (from_outside && core.FaultDue(address, size)) return kFaultDue;
+    if (InDescription(address, size)) return GenTL::GC_ERR_ACCESS_DENIED;
+    const int32_t status = core.Write(address, static_cast<const std::byte*>(in), size);
+    changed.notify_all();
     return status;
 }
+
+int32_t Camera::Read(uint64_t address, void* out, size_t size) { return impl_->Read(address, out, size, false); }
+int32_t Camera::Write(uint64_t address, const void* in, size_t size) { return impl_->Write(address, in, size, false); }
+int32_t Camera::ReadFromOutside(uint64_t address, void* out, size_t size) { return impl_->Read(address, out, size, true); }
+int32_t Camera::WriteFromOutside(uint64_t address, const void* in, size_t size) { return impl_->Write(address, in, size, true); }
 
 std::string Camera::Url() const { return impl_->url; }
 

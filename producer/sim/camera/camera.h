@@ -65,6 +65,11 @@ public:
     ///   GC_ERR_INVALID_VALUE    the camera does not take that value
     int32_t Read(uint64_t address, void* out, size_t size);
     int32_t Write(uint64_t address, const void* in, size_t size);
+    /// The same for accesses from outside. When a register in the range was asked to fail or to be late they do nothing and
+    /// return kFaultDue, which is no GC_ERROR.
+    int32_t ReadFromOutside(uint64_t address, void* out, size_t size);
+    int32_t WriteFromOutside(uint64_t address, const void* in, size_t size);
+    static constexpr int32_t kFaultDue = 1;
 
     /// Where the description is: "local:name.zip;addr;len", "local:name.xml;addr;len" or "file:///...".
     std::string Url() const;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <memory_resource>
 #include <vector>
 
 #include "GenTL/GenTL.h"
@@ -28,17 +27,24 @@ Place place_of(const RegisterRow& row, uint64_t address, uint64_t end) {
 
 }  // namespace
 
-/// What one write has changed so far. Most writes touch one small register: they need no memory but this.
-struct CameraCore::Changes {
+/// What one write has changed so far: mostly one register.
+class CameraCore::Changes {
+public:
     struct Changed {
         Reg reg;
         uint32_t index;
-        std::pmr::vector<std::byte> before;
+        std::array<std::byte, kLargestElement> before;
         uint64_t value;
     };
-    std::array<std::byte, 512> space;
-    std::pmr::monotonic_buffer_resource memory{space.data(), space.size()};
-    std::pmr::vector<Changed> list{&memory};
+
+    Changed& Add() { return ++count_ == 1 ? first_ : more_.emplace_back(); }
+    size_t Count() const { return count_; }
+    const Changed& operator[](size_t i) const { return i == 0 ? first_ : more_[i - 1]; }
+
+private:
+    Changed first_;
+    std::vector<Changed> more_;
+    size_t count_ = 0;
 };
 
 CameraCore::CameraCore(const CameraConfig& config) : registers_(config), power_cycles_(0) {
@@ -71,12 +77,17 @@ int32_t CameraCore::Put(uint64_t& address, const std::byte* in, uint64_t end, Ch
     if (row->access == Access::RO || (row->Has(kFormat) && clock_.Acquiring())) return GenTL::GC_ERR_ACCESS_DENIED;
     const auto place = place_of(*row, address, end);
     const auto element = registers_.Element(place.reg, place.index);
-    std::pmr::vector<std::byte> wanted(element.begin(), element.end(), &changes.memory);
+    std::array<std::byte, kLargestElement> space;
+    const auto wanted = std::span(space).first(element.size());
+    std::memcpy(wanted.data(), element.data(), element.size());
     std::memcpy(wanted.data() + (address - place.begin), in, place.end - address);
     if (!takes_value(registers_, place.reg, place.index, wanted)) return GenTL::GC_ERR_INVALID_VALUE;
-    changes.list.push_back({place.reg, place.index, {element.begin(), element.end(), &changes.memory}, 0});
-    std::ranges::copy(wanted, element.begin());
-    if (row->bytes <= sizeof(uint64_t)) changes.list.back().value = registers_.Uint(place.reg, place.index);
+    auto& changed = changes.Add();
+    changed.reg = place.reg;
+    changed.index = place.index;
+    std::memcpy(changed.before.data(), element.data(), element.size());
+    std::memcpy(element.data(), wanted.data(), wanted.size());
+    changed.value = row->bytes <= sizeof(uint64_t) ? registers_.Uint(place.reg, place.index) : 0;
     address = place.end;
     return GenTL::GC_ERR_SUCCESS;
 }
@@ -88,13 +99,23 @@ int32_t CameraCore::Write(uint64_t address, const std::byte* in, size_t size) {
     Changes changes;
     int32_t status = GenTL::GC_ERR_SUCCESS;
     for (uint64_t at = address; at < end && status == GenTL::GC_ERR_SUCCESS;) status = Put(at, in + (at - address), end, changes);
-    for (auto i = changes.list.rbegin(); i != changes.list.rend(); ++i) {
-        const bool keeps = status == GenTL::GC_ERR_SUCCESS && !row_of(i->reg).Has(kCommand);
-        if (!keeps) std::ranges::copy(i->before, registers_.Element(i->reg, i->index).begin());
+    for (auto i = changes.Count(); i-- > 0;) {
+        const auto& item = changes[i];
+        const auto element = registers_.Element(item.reg, item.index);
+        const bool keeps = status == GenTL::GC_ERR_SUCCESS && !row_of(item.reg).Has(kCommand);
+        if (!keeps) std::memcpy(element.data(), item.before.data(), element.size());
     }
     if (status != GenTL::GC_ERR_SUCCESS) return status;
-    for (const auto& item : changes.list) Effect(item.reg, item.index, item.value);
+    for (size_t i = 0; i < changes.Count(); ++i) Effect(changes[i].reg, changes[i].index, changes[i].value);
     return status;
+}
+
+bool CameraCore::FaultDue(uint64_t address, size_t size) const {
+    constexpr auto &first = row_of(Reg::FrameCache), &last = row_of(Reg::FaultEntryClear);
+    if (registers_.Uint(Reg::FaultRegisterEnable) == 0) return false;
+    if (address >= first.address && address < last.End()) return false;
+    const uint64_t at = registers_.Uint(Reg::FaultRegisterAddress);
+    return at >= address && at - address < size;
 }
 
 std::optional<uint64_t> CameraCore::NextDue() {

@@ -22,6 +22,8 @@ public:
     /// GC_ERRORs, as those of Camera; the description is not part of the registers.
     int32_t Read(uint64_t address, std::byte* out, size_t size);
     int32_t Write(uint64_t address, const std::byte* in, size_t size);
+    /// Whether a register in the range was asked to fail or to be late. Never those that ask for faults: the way out stays open.
+    bool FaultDue(uint64_t address, size_t size) const;
 
     /// End of the exposure of the next frame, in the time of RegisterFile::Now; nothing while none is to come.
     std::optional<uint64_t> NextDue();
@@ -46,7 +48,7 @@ public:
     void PowerCycle();
 
 private:
-    struct Changes;
+    class Changes;
     bool Tells(EventKind kind) const;
     void Tell(EventKind kind, uint64_t when, uint64_t frame);
     std::optional<uint64_t> NextExposure();
