@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 #include "runtime/access_reason.h"
 #include "runtime/value_text.h"
@@ -29,31 +28,29 @@ void EnumEntryNode::SetText(std::string_view, bool) {
 
 void EnumerationNode::Sort() {
     if (byValue_.size() == entries_.size()) return;
-    byValue_.resize(entries_.size());
-    std::iota(byValue_.begin(), byValue_.end(), 0u);
-    byName_ = byValue_;
-    std::stable_sort(byValue_.begin(), byValue_.end(), [&](auto a, auto b) { return entries_[a]->value_ < entries_[b]->value_; });
-    std::stable_sort(byName_.begin(), byName_.end(),
-                     [&](auto a, auto b) { return entries_[a]->Symbolic() < entries_[b]->Symbolic(); });
+    byValue_.clear();
+    for (auto* entry : entries_) byValue_.push_back({entry->value_, entry});
+    byName_.assign(entries_.begin(), entries_.end());
+    std::ranges::stable_sort(byValue_, {}, &ByValue::value);
+    std::ranges::stable_sort(byName_, {}, &EnumEntryNode::Symbolic);
 }
 
 EnumEntryNode* EnumerationNode::Named(std::string_view symbolic) {
     Sort();
-    const auto it =
-        std::partition_point(byName_.begin(), byName_.end(), [&](auto i) { return entries_[i]->Symbolic() < symbolic; });
-    return it != byName_.end() && entries_[*it]->Symbolic() == symbolic ? entries_[*it] : nullptr;
+    const auto it = std::ranges::lower_bound(byName_, symbolic, {}, &EnumEntryNode::Symbolic);
+    return it != byName_.end() && (*it)->Symbolic() == symbolic ? *it : nullptr;
 }
 
 EnumEntryNode* EnumerationNode::Valued(int64_t value) {
     Sort();
-    const auto first =
-        std::partition_point(byValue_.begin(), byValue_.end(), [&](auto i) { return entries_[i]->value_ < value; });
-    const auto end = std::find_if(first, byValue_.end(), [&](auto i) { return entries_[i]->value_ != value; });
+    const auto first = std::ranges::lower_bound(byValue_, value, {}, &ByValue::value);
+    const auto end = std::find_if(first, byValue_.end(), [&](const ByValue& other) { return other.value != value; });
     if (first == end) return nullptr;
-    if (end - first == 1) return entries_[*first];
+    if (end - first == 1) return first->entry;
     engine_.evaluator.tainted = true;  // the entries' modes decide, and nobody tells when they change
-    const auto available = std::find_if(first, end, [&](auto i) { return IsAvailable(Combine(entries_[i]->Mode(), RW)); });
-    return entries_[available == end ? *first : *available];
+    const auto available =
+        std::find_if(first, end, [](const ByValue& equal) { return IsAvailable(Combine(equal.entry->Mode(), RW)); });
+    return (available == end ? first : available)->entry;
 }
 
 EnumEntryNode& EnumerationNode::RequiredEntry(int64_t value) {
@@ -75,15 +72,22 @@ IEnumEntry* EnumerationNode::GetCurrentEntry(bool, bool ignoreCache) {
     return RunRead("GetCurrentEntry", ignoreCache, [&] { return Valued(ReadInteger()); });
 }
 
+namespace {
+
+/// An order in which most texts are told apart by their lengths alone.
+bool shorter_or_less(std::string_view a, std::string_view b) { return a.size() != b.size() ? a.size() < b.size() : a < b; }
+
+}  // namespace
+
 /// The texts stand beside the entries, because finding the display name of a node means looking through its properties.
 IEnumEntry* EnumerationNode::GetEntryByDisplayName(std::string_view shown) {
     const AutoLock hold(engine_.lock);
     if (byDisplayName_.empty()) {
         byDisplayName_.reserve(entries_.size());
         for (auto* entry : entries_) byDisplayName_.push_back({entry->DisplayName(), entry});
-        std::ranges::stable_sort(byDisplayName_, {}, &Displayed::text);
+        std::ranges::stable_sort(byDisplayName_, shorter_or_less, &Displayed::text);
     }
-    const auto it = std::ranges::lower_bound(byDisplayName_, shown, {}, &Displayed::text);
+    const auto it = std::ranges::lower_bound(byDisplayName_, shown, shorter_or_less, &Displayed::text);
     return it != byDisplayName_.end() && it->text == shown ? it->entry : nullptr;
 }
 
@@ -161,8 +165,8 @@ Range<int64_t> EnumerationNode::IntegerLimits() {
     Range<int64_t> range;
     if (entries_.empty()) return range;
     Sort();
-    range.min = entries_[byValue_.front()]->value_;
-    range.max = entries_[byValue_.back()]->value_;
+    range.min = byValue_.front().value;
+    range.max = byValue_.back().value;
     return range;
 }
 

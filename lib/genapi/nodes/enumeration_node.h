@@ -81,9 +81,15 @@ private:
     };
 
     Kept<int64_t> kept_;
-    std::vector<uint32_t> byValue_, byName_;  // positions in entries_; made when first needed
-    std::vector<Displayed> byDisplayName_;    // by text, equal ones in the description's order; made when first needed
-    bool isSelfClearing_ = false;             // the current entry goes away by itself
+    struct ByValue {
+        int64_t value;
+        EnumEntryNode* entry;
+    };
+    // Made when first needed; equal ones in the description's order.
+    std::vector<ByValue> byValue_;
+    std::vector<EnumEntryNode*> byName_;
+    std::vector<Displayed> byDisplayName_;  // by length and text
+    bool isSelfClearing_ = false;           // the current entry goes away by itself
 };
 
 }  // namespace kiv::genapi
