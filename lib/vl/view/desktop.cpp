@@ -13,7 +13,10 @@
 namespace kiv::vl {
 namespace {
 
-constexpr int longest_wait_ms = 500;
+// How often the window system is asked for what the user does. The thread does not sleep inside SDL: SDL_PushEvent would wake it
+// by a message to one of its windows, and where that is destroyed meanwhile the X library ends the program.
+constexpr std::chrono::milliseconds look_interval{8};
+constexpr std::chrono::milliseconds without_windows{500};
 constexpr double wheel_factor = 1.25;
 constexpr int first_width = 640;
 constexpr int first_height = 480;
@@ -61,21 +64,15 @@ void Desktop::End() {
     SDL_TLSCleanup();  // what SDL keeps for a thread that it did not make itself
 }
 
-void Desktop::Wake() {
-    SDL_Event event{};
-    event.type = SDL_USEREVENT;
-    SDL_PushEvent(&event);
-}
-
-void Desktop::Serve() {
+std::chrono::milliseconds Desktop::Serve() {
     SDL_Event event;
-    const bool waits = std::none_of(windows_.begin(), windows_.end(), [](const auto& row) { return row.second.dirty; });
-    if (waits && SDL_WaitEventTimeout(&event, longest_wait_ms) != 0) Handle(event);
     while (SDL_PollEvent(&event) != 0) Handle(event);
     // A callback that runs meanwhile may close any of them.
     std::vector<std::shared_ptr<View>> roots;
     for (const auto& [id, window] : windows_) roots.push_back(window.root);
     for (const auto& root : roots) Refresh(root);
+    const bool dirty = std::any_of(windows_.begin(), windows_.end(), [](const auto& row) { return row.second.dirty; });
+    return dirty ? std::chrono::milliseconds{0} : windows_.empty() ? without_windows : look_interval;
 }
 
 void Desktop::Refresh(const std::shared_ptr<View>& root) {

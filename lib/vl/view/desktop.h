@@ -1,4 +1,4 @@
-/// The windows of all views, on SDL. Everything but Wake() belongs to the window thread.
+/// The windows of all views, on SDL. Everything belongs to the window thread.
 #pragma once
 
 #include <memory>
@@ -26,8 +26,7 @@ class Desktop final : public WindowWork {
 public:
     void Begin() override;
     void End() override;
-    void Serve() override;
-    void Wake() override;
+    std::chrono::milliseconds Serve() override;
 
     std::shared_ptr<View> Open(const WindowWish& wish);
     /// The view, its children, and its window where it has one of its own. Their handles are no more.

@@ -10,7 +10,7 @@ namespace kiv::vl {
 WindowThread::~WindowThread() {
     std::unique_lock hold(lock_);
     ending_ = true;
-    if (state_ == State::Running) work_.Wake();
+    work_to_do_.notify_one();
     hold.unlock();
     if (!thread_.joinable()) return;
     // A program may exit from inside a callback.
@@ -30,7 +30,7 @@ void WindowThread::Run(const std::function<void()>& task) {
     Start(hold);
     Task mine{&task, nullptr};
     tasks_.push_back(&mine);
-    work_.Wake();
+    work_to_do_.notify_one();
     changed_.wait(hold, [&] { return mine.done; });
     if (mine.failure) std::rethrow_exception(mine.failure);
 }
@@ -63,8 +63,10 @@ void WindowThread::Loop() {
     while (!ending_) {
         hold.unlock();
         RunTasks();
-        work_.Serve();
+        const auto pause = work_.Serve();
         hold.lock();
+        work_to_do_.wait_for(hold, pause, [&] { return ending_ || woken_ || !tasks_.empty(); });
+        woken_ = false;
     }
     hold.unlock();
     RunTasks();
@@ -90,7 +92,8 @@ void WindowThread::RunTasks() {
 
 void WindowThread::Wake() {
     const std::lock_guard hold(lock_);
-    if (state_ == State::Running) work_.Wake();
+    woken_ = true;
+    work_to_do_.notify_one();
 }
 
 }  // namespace kiv::vl

@@ -1,6 +1,7 @@
 /// The one thread that touches the window system: SDL wants all of its windows served by the thread that began it.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -17,10 +18,8 @@ public:
     /// A display is there. Throws an Error where there is none.
     virtual void Begin() = 0;
     virtual void End() = 0;
-    /// Waits until something happens or Wake() is called, and does what is to be done then.
-    virtual void Serve() = 0;
-    /// Ends a Serve() that waits; the one function that any thread may call.
-    virtual void Wake() = 0;
+    /// Does what is to be done now, without waiting, and answers when it wants to be called again at the latest.
+    virtual std::chrono::milliseconds Serve() = 0;
 };
 
 class WindowThread {
@@ -48,9 +47,11 @@ private:
 
     WindowWork& work_;
     std::mutex lock_;
-    std::condition_variable changed_;
+    std::condition_variable changed_;  ///< for those who wait for the thread
+    std::condition_variable work_to_do_;
     enum class State { Stopped, Starting, Running } state_ = State::Stopped;
     bool ending_ = false;
+    bool woken_ = false;
     std::exception_ptr start_failure_;
     std::deque<Task*> tasks_;
     std::thread thread_;

@@ -158,7 +158,7 @@ TEST(Views, AreMovedResizedNamedAndClosed) {
 
     const VL_VIEW_HANDLE closed = automatic;
     automatic.Close();
-    EXPECT_EQ(screen.Find("Überblick 測"), Window{None});
+    EXPECT_TRUE(eventually([&] { return screen.Find("Überblick 測") == None; }));
     const OwnedImage image(2, 2, VL_IMAGE_MONO8);
     std::int32_t value = 0;
     double at = 0;

@@ -69,6 +69,8 @@ public:
 
     /// The top-level window with this title, or None.
     Window Find(const std::string& title) const {
+        // Nobody else is served meanwhile: a window that is destroyed between the two questions would end the program.
+        XGrabServer(display_.get());
         Window root = None, parent = None;
         Window* children = nullptr;
         unsigned count = 0;
@@ -82,6 +84,8 @@ public:
             XFree(name.value);
         }
         XFree(children);
+        XUngrabServer(display_.get());
+        XFlush(display_.get());
         return found;
     }
 
