@@ -9,6 +9,7 @@
 
 #include "CLProtocol/baud_rates.h"
 #include "gencp_link.h"
+#include "line_log.h"
 
 namespace CLProtocol {
 namespace {
@@ -75,7 +76,11 @@ private:
             if ((supported & rate.bit) == 0) continue;
             serial.SetRate(rate.bit);
             link_.SetRate(rate.bits_per_second);
-            if (!Answers()) continue;
+            if (!Answers()) {
+                if (log_wanted(Level::debug))
+                    log_line(Level::debug, "nobody answers at " + std::to_string(rate.bits_per_second) + " baud");
+                continue;
+            }
             rate_ = rate.bit;
             return;
         }

@@ -1,8 +1,12 @@
 #include "gencp_link.h"
 
+#include <kiv/log/text.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
+
+#include "line_log.h"
 
 namespace CLProtocol {
 namespace {
@@ -54,6 +58,11 @@ std::string refusal(Command command, std::span<const std::byte> payload, std::ui
            (known ? std::string(" ") + known->name : "");
 }
 
+std::string answer_text(const Ack& ack) {
+    return "answer to request " + std::to_string(ack.request) + ": " + kiv::log::hex(ack.command) + ", status " +
+           kiv::log::hex(ack.status) + ": " + kiv::log::hex_bytes(ack.payload);
+}
+
 bool is_error(std::uint16_t status) { return (status & 0x8000) != 0; }  // without that bit it is a warning
 
 }  // namespace
@@ -95,6 +104,7 @@ std::optional<Ack> GenCpLink::Await(Command command, std::uint16_t request, Time
     std::array<std::byte, 256> bytes;
     for (;;) {
         while (auto ack = reader_.Next()) {
+            if (log_wanted(Level::debug)) log_line(Level::debug, answer_text(*ack));
             if (ack->request != request) continue;  // an answer to an earlier one, late
             if (ack->command == answer) return ack;
             if (ack->command == pending_ack && ack->payload.size() == 4)
@@ -113,7 +123,11 @@ Ack GenCpLink::Exchange(Command command, const Bytes& payload, std::size_t answe
         checkpoint_();
         if (attempt > 0) Drain(TransferTime(received) + shortest_quiet, give_up);
         checkpoint_();
-        serial_.Write(command_packet(command, request, payload, attempt > 0), TransferTime(sent) + margin);
+        const Bytes packet = command_packet(command, request, payload, attempt > 0);
+        if (log_wanted(Level::debug))
+            log_line(Level::debug, operation(command, payload) + ", request " + std::to_string(request) + ", attempt " +
+                                       std::to_string(attempt + 1) + ": " + kiv::log::hex_bytes(packet));
+        serial_.Write(packet, TransferTime(sent) + margin);
         if (auto ack = Await(command, request, std::min(give_up, Clock::now() + timeout), give_up)) return *ack;
     }
     throw GenICam::TimeoutException("no answer to " + operation(command, payload));

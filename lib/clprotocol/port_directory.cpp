@@ -10,6 +10,7 @@
 #include <set>
 
 #include "grabber_library.h"
+#include "line_log.h"
 #include "system_serial.h"
 
 namespace CLProtocol {
@@ -68,6 +69,7 @@ PortDirectory PortDirectory::Find() {
             found.AddLibrary(file);
         } catch (const std::exception& error) {
             kiv::platform::debug_print(std::string(error.what()) + "\n");
+            log_line(Level::warn, error.what());
         }
     for (const std::string& name : system_port_names())
         found.Add(std::string(system_ports) + "#" + name, [name] { return std::make_unique<SystemSerial>(name); });
@@ -90,6 +92,7 @@ void PortDirectory::Add(std::string id, std::function<std::unique_ptr<Serial>()>
     // Two boards of a kind may name their ports alike.
     std::string distinct = id;
     for (int number = 2; taken(distinct); ++number) distinct = id + " (" + std::to_string(number) + ")";
+    if (log_wanted(Level::info)) log_line(Level::info, distinct + ": a serial port");
     ports_.push_back({std::move(distinct), std::move(open)});
 }
 

@@ -52,7 +52,7 @@ struct EventThread::Loop {
           code(job.producer.Code()),
           mailbox(std::move(its_mailbox)) {}
 
-    GenTL::PEventGetData get;
+    ProducerEntry<GenTL::PEventGetData> get;
     GenTL::EVENT_HANDLE event;
     EventTarget target;
     std::size_t data_size;

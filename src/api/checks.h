@@ -10,7 +10,7 @@ namespace kiv::api {
 
 /// A producer entry point that may be absent.
 template <class Function>
-Function* entry(Function* function) {
+ProducerEntry<Function> entry(const ProducerEntry<Function>& function) {
     if (!function) fail(K_ST_NOT_IMPLEMENTED);
     return function;
 }

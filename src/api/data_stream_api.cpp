@@ -166,7 +166,7 @@ K_API K_STATUS_CODES K_CALL K_DataStream_GetBufferChunkData(STREAM_HANDLE hStrea
     });
 }
 
-using StreamParameter = GenTL::GC_ERROR(GC_CALLTYPE*)(GenTL::DS_HANDLE, int32_t, void*, size_t*);
+using StreamParameter = ProducerEntry<GenTL::PDSGetStreamParam>;
 
 static K_STATUS_CODES pass_parameter(STREAM_HANDLE hStream, StreamParameter ProducerEntries::*pass_on, int32_t parameter,
                                      void* buffer, uint32_t* pSize) {

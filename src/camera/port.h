@@ -29,8 +29,8 @@ public:
 private:
     std::atomic<bool> connected_{true};
     GenTL::PORT_HANDLE port_;
-    GenTL::PGCReadPort read_;
-    GenTL::PGCWritePort write_;
+    kiv::ProducerEntry<GenTL::PGCReadPort> read_;
+    kiv::ProducerEntry<GenTL::PGCWritePort> write_;
 };
 
 }  // namespace GenICam::Factory

@@ -1,6 +1,7 @@
 #include "transport/factory.h"
 
 #include <GenICam/exceptions.h>
+#include <kiv/log/log.h>
 #include <kiv/platform/debug_output.h>
 #include <kiv/platform/keep_awake.h>
 #include <kiv/platform/paths.h>
@@ -37,6 +38,19 @@ struct InfoCommand {
 };
 constexpr InfoCommand info_commands[] = {{1, 1}, {2, 2}, {6, 6}, {7, 7}, {1001, 1003}, {1002, 1004}};
 constexpr std::uint32_t device_part_command = 1003;
+
+void tell_refusal(const std::string& key, const K_PRODUCER_REPORT& report) {
+    const auto line = "producer \"" + key + "\" (" + report.sPath + ") refused: " + report.sReason;
+    kiv::platform::debug_print("CFactory: " + line + "\n");
+    kiv::log::write(kiv::log::Category::gen_tl, kiv::log::Level::warn, line);
+}
+
+void tell_cameras(const std::vector<std::string>& cameras) {
+    if (!kiv::log::wanted(kiv::log::Category::gen_tl, kiv::log::Level::info)) return;
+    std::string line = std::to_string(cameras.size()) + " camera(s) listed";
+    for (auto& each : cameras) line += (&each == &cameras.front() ? ": " : "; ") + each;
+    kiv::log::write(kiv::log::Category::gen_tl, kiv::log::Level::info, line);
+}
 
 GenTL::DEVICE_INFO_CMD producer_command(std::uint32_t asked) {
     for (auto& command : info_commands)
@@ -79,6 +93,7 @@ K_STATUS_CODES CFactory::Update(bool& changed) {
     std::vector<std::string> found;
     for (auto& [key, producer] : producers_) kiv::list_cameras(key, *producer, force_ip_, found);
     changed = found != cameras_;
+    if (changed) tell_cameras(found);
     cameras_ = std::move(found);
     listed_ = true;
     return K_ST_SUCCESS;
@@ -107,9 +122,7 @@ K_STATUS_CODES CFactory::Discover() {
             put(report.sReason, error.GetDescription());
             throw;
         }
-        if (report.status != K_ST_SUCCESS)
-            kiv::platform::debug_print("CFactory: producer \"" + element.key + "\" (" + report.sPath +
-                                       ") refused: " + report.sReason + "\n");
+        if (report.status != K_ST_SUCCESS) tell_refusal(element.key, report);
     }
     return K_ST_SUCCESS;
 }

@@ -7,6 +7,8 @@
 #include <GenTL/GenTL.h>
 #include <GenTL/extensions.h>
 
+#include "transport/producer_entry.h"
+
 #define KIV_MANDATORY_ENTRIES(X) \
     X(GCInitLib)                 \
     X(GCCloseLib)                \
@@ -73,12 +75,12 @@ namespace kiv {
 
 /// The table of one producer. Empty until it is bound.
 struct ProducerEntries {
-#define KIV_POINTER(name) GenTL::P##name name = nullptr;
-    KIV_MANDATORY_ENTRIES(KIV_POINTER)
-    KIV_CAMERA_LINK_ENTRIES(KIV_POINTER)
-    KIV_GIGE_ENTRIES(KIV_POINTER)
-    KIV_OPTIONAL_ENTRIES(KIV_POINTER)
-#undef KIV_POINTER
+#define KIV_ENTRY(name) ProducerEntry<GenTL::P##name> name{#name};
+    KIV_MANDATORY_ENTRIES(KIV_ENTRY)
+    KIV_CAMERA_LINK_ENTRIES(KIV_ENTRY)
+    KIV_GIGE_ENTRIES(KIV_ENTRY)
+    KIV_OPTIONAL_ENTRIES(KIV_ENTRY)
+#undef KIV_ENTRY
 };
 
 }  // namespace kiv

@@ -1,6 +1,7 @@
 #include "transport/tl_wrapper.h"
 
 #include <GenICam/exceptions.h>
+#include <kiv/log/log.h>
 #include <kiv/platform/debug_output.h>
 
 #include <algorithm>
@@ -14,10 +15,9 @@ namespace {
 
 bool is_gige_type(const std::string& type) { return type.starts_with("GEV") || type.starts_with("GigEVision"); }
 
-template <class Function>
-bool resolve(const kiv::platform::DynamicLibrary& module, Function& entry, const char* name) {
-    entry = reinterpret_cast<Function>(module.Symbol(name));
-    return entry != nullptr;
+template <class Entry>
+bool resolve(const kiv::platform::DynamicLibrary& module, Entry& entry, const char* name) {
+    return entry.Bind(module.Symbol(name));
 }
 
 }  // namespace
@@ -66,6 +66,9 @@ K_STATUS_CODES CTLWrapper::Load(const std::string& path) {
     WakeOwnSystemModule();
     ResolveOptional();
     bIsGigE = ResolveExtensions();
+    if (kiv::log::wanted(kiv::log::Category::gen_tl, kiv::log::Level::info))
+        kiv::log::write(kiv::log::Category::gen_tl, kiv::log::Level::info,
+                        "producer " + path + " loaded: " + sName + " of " + sVendor + ", transport type " + sTLType);
     return K_ST_SUCCESS;
 }
 

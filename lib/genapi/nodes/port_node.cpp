@@ -66,18 +66,30 @@ IPort& PortNode::Connected() {
     return *port_;
 }
 
-void PortNode::ReadBytes(std::span<uint8_t> bytes, int64_t address) {
+void PortNode::ReadBytes(std::span<uint8_t> bytes, int64_t address, uint32_t vertex) {
     auto& port = Connected();
     if (bytes.empty()) return;
+    ReadFrom(port, bytes, address);
+    if (log_wanted(log::Level::debug)) [[unlikely]]
+        log_transfer(*this, "read", vertex, address, bytes);
+}
+
+void PortNode::ReadFrom(IPort& port, std::span<uint8_t> bytes, int64_t address) const {
     if (!swap_) return port.Read(bytes.data(), address, static_cast<int64_t>(bytes.size()));
     const Around around(address, bytes.size());
     const auto whole = read_swapped(port, around);
     std::memcpy(bytes.data(), whole.data() + around.lead, bytes.size());
 }
 
-void PortNode::WriteBytes(std::span<const uint8_t> bytes, int64_t address) {
+void PortNode::WriteBytes(std::span<const uint8_t> bytes, int64_t address, uint32_t vertex) {
     auto& port = Connected();
     if (bytes.empty()) return;
+    if (log_wanted(log::Level::debug)) [[unlikely]]
+        log_transfer(*this, "write", vertex, address, bytes);
+    WriteTo(port, bytes, address);
+}
+
+void PortNode::WriteTo(IPort& port, std::span<const uint8_t> bytes, int64_t address) const {
     if (!swap_) return port.Write(bytes.data(), address, static_cast<int64_t>(bytes.size()));
     const Around around(address, bytes.size());
     auto whole = around.size == bytes.size() ? std::vector<uint8_t>(around.size) : read_swapped(port, around);

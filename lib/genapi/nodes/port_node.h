@@ -25,8 +25,9 @@ public:
     GenApi::EYesNo CacheChunkData() override;
 
     // For the registers behind the port; the map is locked.
-    void ReadBytes(std::span<uint8_t> bytes, int64_t address);
-    void WriteBytes(std::span<const uint8_t> bytes, int64_t address);
+    /// `vertex`: of the location whose bytes they are, for the log.
+    void ReadBytes(std::span<uint8_t> bytes, int64_t address, uint32_t vertex = no_vertex);
+    void WriteBytes(std::span<const uint8_t> bytes, int64_t address, uint32_t vertex = no_vertex);
 
     std::string OwnObstacle(bool forWriting) const override;
     void SetSwap(bool swap) { swap_ = swap; }
@@ -36,6 +37,8 @@ protected:
 
 private:
     GenApi::IPort& Connected();
+    void ReadFrom(GenApi::IPort& port, std::span<uint8_t> bytes, int64_t address) const;
+    void WriteTo(GenApi::IPort& port, std::span<const uint8_t> bytes, int64_t address) const;
 
     GenApi::IPort* port_ = nullptr;  // borrowed
     bool swap_ = false;

@@ -12,6 +12,7 @@
 #include "GenApi/i_node.h"
 #include "GenICam/exceptions.h"
 #include "runtime/engine.h"
+#include "runtime/engine_log.h"
 #include "runtime/operation.h"
 #include "runtime/setting.h"
 
@@ -214,6 +215,8 @@ template <class Body>
 void Node::RunWrite(const char* operation, Body&& body) {
     Run(operation, [&] {
         RequireWritable();
+        if (log_wanted(log::Level::debug)) [[unlikely]]
+            log_write(*this, operation);
         body();
         if (checksErrors_) CheckErrors();
     });

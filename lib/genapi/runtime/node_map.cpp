@@ -9,6 +9,7 @@
 #include "nodes/port_node.h"
 #include "record/merge_records.h"
 #include "record/record_reader.h"
+#include "runtime/engine_log.h"
 #include "runtime/node.h"
 #include "sources/formula_sources.h"
 
@@ -28,6 +29,7 @@ NodeMap::NodeMap(std::string description, std::optional<std::string> injected, c
         merge_records(engine_.table, std::move(more));
     }
     link(engine_);
+    if (log_wanted(log::Level::warn)) log_map(engine_);
     for (auto* node : engine_.polled) polled_.push_back({node, parse_integer(node->Text(Tag::PollingTime)).value_or(0)});
 }
 
@@ -45,6 +47,7 @@ INode* NodeMap::GetNodeByIndex(uint64_t index) const noexcept {
 
 void NodeMap::InvalidateNodes() const {
     Operation scope(engine_, "InvalidateNodes");
+    if (log_wanted(log::Level::debug)) log_invalidation(engine_);
     engine_.OutdateAll();
     scope.Finish();
 }

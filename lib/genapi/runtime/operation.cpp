@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "runtime/engine.h"
+#include "runtime/engine_log.h"
 
 namespace kiv::genapi {
 
@@ -25,6 +26,7 @@ void Operation::Call(const CallbackBook::Entry& entry) {
     try {
         (*entry.callback)(entry.callback->GetType());
     } catch (...) {
+        if (log_wanted(log::Level::warn)) log_callback_failure(std::current_exception());
         if (!error_) error_ = std::current_exception();
     }
 }
@@ -69,6 +71,7 @@ void throw_if(const GenICam::GenericException& error, GenICam::NodePlace place) 
 
 void rethrow_with_node(const GenICam::GenericException& error, GenICam::NodePlace place) {
     using namespace GenICam;
+    if (log_wanted(log::Level::warn)) log_failure(error, place);
     if (*error.GetNodeName() == '\0') {
         throw_if<RuntimeException>(error, place);
         throw_if<AccessException>(error, place);

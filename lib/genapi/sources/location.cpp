@@ -85,7 +85,7 @@ std::span<const uint8_t> Location::Read(ECachingMode caching) {
     Bytes fresh;
     fresh.Resize(static_cast<size_t>(currentLength_));
     engine_.states.Forget(vertex_, kept::bytes);
-    port_.ReadBytes(fresh.All(), address_);
+    port_.ReadBytes(fresh.All(), address_, vertex_);
     const bool differs = wasReliedOn && !std::ranges::equal(fresh.All(), bytes_.All());
     std::swap(bytes_, fresh);
     SawAt(address_);
@@ -126,7 +126,7 @@ void Location::Write(std::span<const uint8_t> bytes, ECachingMode caching) {
         engine_.Changed(vertex_, facet::value);
     };
     try {
-        port_.WriteBytes(bytes, address);
+        port_.WriteBytes(bytes, address, vertex_);
     } catch (...) {
         spread();  // nobody knows what arrived
         throw;

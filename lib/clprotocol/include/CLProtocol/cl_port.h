@@ -47,6 +47,7 @@ private:
     const PortDirectory& ports_;
     const DriverDirectory& drivers_;
     Checkpoint checkpoint_;
+    std::string id_;  // of the port, while and after it is connected
     std::unique_ptr<Serial> serial_;
     std::unique_ptr<Device> device_;
 };
