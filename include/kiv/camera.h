@@ -29,7 +29,9 @@ K_API K_STATUS_CODES K_CALL K_Camera_Open_Proxy(FACTORY_HANDLE hFactory, const c
 K_API K_STATUS_CODES K_CALL K_Camera_IFOpenDeviceMc(TRANSPORT_LAYER_HANDLE hTransportLayer, INTERFACE_HANDLE hInterface,
                                                     const char* deviceId, uint32_t accessMode, void** phDevice,
                                                     uint32_t multicast);
-/** Closes a camera. With no camera open at all the call is a success that does nothing. */
+/** Closes a camera. With no camera open at all the call is a success that does nothing.
+ * May be called while another thread's call is held up in a register access that the producer does not end: the close waits five
+ * seconds for it, and five for a stream that is held up with it, and goes on; what that call is inside of stays in memory. */
 K_API K_STATUS_CODES K_CALL K_Camera_Close(CAM_HANDLE hCamera);
 
 /** Reads device memory without the node map. *pSize: bytes wanted; on return what the producer reports. */

@@ -50,6 +50,12 @@ public:
     }
     GenTL::BUFFER_HANDLE Buffer() const { return buffer_; }
 
+    /// Work inside the camera's node map, which somebody may be holding for ever.
+    template <class Work>
+    K_STATUS_CODES InMap(Work&& work) {
+        return gate_.Through(work);
+    }
+
 private:
     const GenICam::Factory::CTLWrapper& producer_;
     ProducerGate& gate_;

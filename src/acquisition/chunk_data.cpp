@@ -27,8 +27,8 @@ void ChunkData::Follow(BufferQuestion& question, K_IMAGE_INFO& info) {
     const bool same = layout == last_layout_;
     last_layout_ = layout;
     // 0 is the id of buffers without chunks, and of all buffers of a producer that knows no layout ids: then each is a new one.
-    if (same && layout == 0 && !HasChunks(question)) return Lose();
-    if (same && layout != 0 && attached_) return FollowSameLayout(info);
+    if (same && layout == 0 && !HasChunks(question)) return Lose(question);
+    if (same && layout != 0 && attached_) return FollowSameLayout(question, info);
     FollowNewLayout(question, info);
 }
 
@@ -40,15 +40,15 @@ bool ChunkData::HasChunks(BufferQuestion& question) {
     return false;
 }
 
-void ChunkData::FollowSameLayout(const K_IMAGE_INFO& info) {
-    if (extent_ > info.image_size) return Lose();
-    ports_.Update(info.image_data);
+void ChunkData::FollowSameLayout(BufferQuestion& question, const K_IMAGE_INFO& info) {
+    if (extent_ > info.image_size) return Lose(question);
+    question.InMap([&] { return ports_.Update(info.image_data); });
 }
 
 void ChunkData::FollowNewLayout(BufferQuestion& question, const K_IMAGE_INFO& info) {
     std::size_t count = 0;
     if (!FetchList(question, count)) return Failed(question, no_list);
-    auto status = ports_.Attach(info.image_data, info.image_size, list_.data(), count);
+    auto status = question.InMap([&] { return ports_.Attach(info.image_data, info.image_size, list_.data(), count); });
     attached_ = status == K_ST_SUCCESS;
     if (!attached_) return Failed(question, not_attached);
     extent_ = 0;
@@ -70,11 +70,11 @@ bool ChunkData::FetchList(BufferQuestion& question, std::size_t& count) {
 
 void ChunkData::Failed(BufferQuestion& question, const wchar_t* text) {
     kiv::platform::debug_print(std::wstring_view(question.TakeException() ? thrown_text : text));
-    Lose();
+    Lose(question);
 }
 
-void ChunkData::Lose() {
-    if (attached_) ports_.Release();
+void ChunkData::Lose(BufferQuestion& question) {
+    if (attached_) question.InMap([&] { return ports_.Release(), K_ST_SUCCESS; });
     attached_ = false;
 }
 

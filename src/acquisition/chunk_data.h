@@ -23,11 +23,11 @@ public:
 
 private:
     bool HasChunks(BufferQuestion& question);
-    void FollowSameLayout(const K_IMAGE_INFO& info);
+    void FollowSameLayout(BufferQuestion& question, const K_IMAGE_INFO& info);
     void FollowNewLayout(BufferQuestion& question, const K_IMAGE_INFO& info);
     void Failed(BufferQuestion& question, const wchar_t* text);
     bool FetchList(BufferQuestion& question, std::size_t& count);
-    void Lose();
+    void Lose(BufferQuestion& question);
 
     GenICam::Factory::CChunkPorts& ports_;
     std::uint64_t last_layout_ = 0;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "acquisition/event_registration.h"
+#include "transport/keep_forever.h"
 
 namespace kiv {
 
@@ -152,7 +153,7 @@ bool GigEEventThread::Stop() noexcept {
         return true;
     }
     platform::debug_print("GigEEventThread: the event thread does not end and is left to itself.\n");
-    answer_of([&] { return ImageLib::keep_loaded(producer_.Code()), K_ST_SUCCESS; });
+    answer_of([&] { return keep_forever(producer_.Code()), K_ST_SUCCESS; });
     gate_.ShutNow();
     Unregister(false);
     thread_.detach();

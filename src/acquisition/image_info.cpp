@@ -101,11 +101,14 @@ void ImageDescriber::AskQueue(ProducerGate& gate, GenTL::DS_HANDLE stream, GenTL
 void ImageDescriber::Complete(BufferQuestion& question, K_IMAGE_INFO& info) {
     if (info.width == 0 && info.height == 0) {
         // Nothing but chunks: the image is one of them, and its size another.
-        read(features_.chunk_width, info.width);
-        read(features_.chunk_height, info.height);
-        read(features_.chunk_offset_x, info.offset_x);
-        read(features_.chunk_offset_y, info.offset_y);
-        read(features_.chunk_pixel_format, info.pixel_type);
+        question.InMap([&] {
+            read(features_.chunk_width, info.width);
+            read(features_.chunk_height, info.height);
+            read(features_.chunk_offset_x, info.offset_x);
+            read(features_.chunk_offset_y, info.offset_y);
+            read(features_.chunk_pixel_format, info.pixel_type);
+            return K_ST_SUCCESS;
+        });
     }
     if (info.width != 0 && info.height == 0) CompleteHeight(question, info);
 }
@@ -114,13 +117,16 @@ void ImageDescriber::CompleteHeight(BufferQuestion& question, K_IMAGE_INFO& info
     // There are cameras that never say how many lines they have sent: the producer counted them, or the camera's setting tells,
     // or the bytes do.
     const auto line = line_length(info);
+    auto tells = [&](GenApi::INode* feature, std::uint32_t& lines) {
+        return question.InMap([&] { return read(feature, lines) ? K_ST_SUCCESS : K_ST_NO_DATA; }) == K_ST_SUCCESS;
+    };
     auto fits = [&](std::uint64_t lines) { return lines > 0 && (line == 0 || lines <= info.image_size / line); };
     std::uint32_t lines = 0;
     if (question.Ask(GenTL::BUFFER_INFO_DELIVERED_IMAGEHEIGHT, lines) && fits(lines))
         info.height = lines;
-    else if (read(features_.chunk_height, lines) && fits(lines))
+    else if (tells(features_.chunk_height, lines) && fits(lines))
         info.height = lines;
-    else if (read(features_.height, lines) && fits(lines))
+    else if (tells(features_.height, lines) && fits(lines))
         info.height = lines;
     else if (std::uint64_t bytes = 0; line > 0 && question.Ask(GenTL::BUFFER_INFO_SIZE_FILLED, bytes))
         info.height = static_cast<std::uint32_t>(std::min<std::uint64_t>(bytes, info.image_size) / line);

@@ -43,7 +43,10 @@ void CImageStream::End() noexcept {
     std::lock_guard lock(end_lock_);
     auto* camera = camera_.load();
     if (!camera) return;
-    LockParameters(false);
+    if (camera->WaitForNodeMap() == GenICam::Factory::CModuleNodeMap::Occupant::another)
+        kiv::platform::debug_print("CImageStream: TLParamsLocked: another thread does not leave the node map.\n");
+    else
+        LockParameters(false);
     Disconnect();
     camera_ = nullptr;
     camera->Detach(*this);

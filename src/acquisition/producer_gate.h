@@ -2,14 +2,14 @@
 ///
 /// A producer may never return from a call. Whoever ends the thread then shuts the gate: the thread, should it come back after
 /// all, finds the gate shut and leaves without touching what has been given back meanwhile. Without that it might call into a
-/// stream that is closed, or a library that is unloaded.
+/// stream that is closed, or a library that is unloaded. Work inside the camera's node map goes through it as well: another
+/// thread's register access may keep the map for ever.
 #pragma once
 
 #include <GenICam/exceptions.h>
 
 #include <atomic>
 #include <cstdint>
-#include <memory>
 
 #include "transport/status.h"
 
@@ -58,9 +58,5 @@ private:
 
     std::atomic<Standing> steps_{0};  // odd while inside a call
 };
-
-/// For a thread that the producer does not let go of: its code stays in memory until the process ends. The thread must not be the
-/// one that unloads it, whenever that may be: the producer would clean up on a thread that it has never seen finish.
-void keep_loaded(std::shared_ptr<const void> producer_code);
 
 }  // namespace ImageLib

@@ -6,6 +6,8 @@
 #include <chrono>
 
 #include "acquisition/stream_loop.h"
+#include "features/pixel_formats.h"
+#include "transport/keep_forever.h"
 
 namespace ImageLib {
 
@@ -87,6 +89,7 @@ bool CStreamThread::Open(std::uint32_t stream_index, std::uint32_t buffer_size, 
     }
     callback_ = callback;
     is_gige_ = producer_.IsGigE();
+    kiv::pixel_formats(camera_);  // filled here: the loop then looks up only, and does not need the node map for it
     if (StartLoop()) return true;
     running_ = false;
     CloseDataStream();
@@ -140,7 +143,7 @@ void CStreamThread::StreamProcess() {
         started_.Set();
         if (!started_well_) return ended_.Set();
         Loop(*this, *remote).Run();
-        if (remote->Chunks().Detach() != K_ST_SUCCESS)
+        if (gate_.Through([&] { return remote->Chunks().Detach(); }) != K_ST_SUCCESS)
             kiv::platform::debug_print(L"Error with K_Camera_DetachChunkData in CStreamThread::StreamProcess.\n");
         EndInProducer(By::gate);
     } catch (const ProducerGate::Shut&) {
@@ -180,7 +183,7 @@ void CStreamThread::WaitForLoop() {
 
 void CStreamThread::Abandon() {
     kiv::platform::debug_print("CStreamThread: a thread that the producer does not let go of is left to itself.\n");
-    kiv::answer_of([&] { return keep_loaded(producer_.Code()), K_ST_SUCCESS; });
+    kiv::answer_of([&] { return kiv::keep_forever(producer_.Code()), K_ST_SUCCESS; });
     std::lock_guard lock(join_lock_);
     abandoned_ = true;
     if (thread_.joinable()) thread_.detach();
@@ -204,7 +207,8 @@ void CStreamThread::GiveBack() {
     EndInProducer(By::hand);
     // From here on the loop, in whose callback this may be, must not come back to the stream.
     if (IsLoop()) gate_.ShutNow();
-    remote_->Chunks().Detach();
+    // A thread that was left to itself may be inside the chunks' map: they stay as they are until the map goes.
+    if (!abandoned_) remote_->Chunks().Detach();
     remote_.reset();
     auto stream = stream_.load();
     kiv::answer_of([&] { return producer_.DSFlushQueue(stream, GenTL::ACQ_QUEUE_INPUT_TO_OUTPUT); });
@@ -244,6 +248,13 @@ K_STATUS_CODES CStreamThread::BufferInfo(GenTL::BUFFER_INFO_CMD command, void* r
     } catch (const ProducerGate::Shut&) {
         return K_ST_ABORT;
     }
+}
+
+K_STATUS_CODES CStreamThread::EventTime(std::uint64_t& nanoseconds) const {
+    if (!IsLoop() || !current_) return K_ST_NOT_AVAILABLE;
+    const auto since_epoch = std::chrono::duration_cast<std::chrono::nanoseconds>(event_time_.time_since_epoch());
+    nanoseconds = static_cast<std::uint64_t>(since_epoch.count());
+    return K_ST_SUCCESS;
 }
 
 }  // namespace ImageLib

@@ -13,6 +13,7 @@
 #include <kiv/platform/event.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -51,6 +52,8 @@ public:
     K_STREAM_STATISTICS Statistics();
     /// GenTL's DSGetBufferInfo of the buffer that the callback is being given; only inside the callback.
     K_STATUS_CODES BufferInfo(GenTL::BUFFER_INFO_CMD command, void* result, std::size_t* size);
+    /// When that buffer came, in nanoseconds of the steady clock; only inside the callback.
+    K_STATUS_CODES EventTime(std::uint64_t& nanoseconds) const;
 
 private:
     class Loop;
@@ -81,7 +84,8 @@ private:
     ImageCallback callback_;
     bool is_gige_ = false;
     StreamStatistics statistics_;
-    GenTL::BUFFER_HANDLE current_ = nullptr;  // of the image in the callback; the loop's own
+    GenTL::BUFFER_HANDLE current_ = nullptr;            // of the image in the callback; the loop's own
+    std::chrono::steady_clock::time_point event_time_;  // of that image, as well
 
     ProducerGate gate_;
     std::atomic<bool> running_ = false;

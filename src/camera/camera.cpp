@@ -1,10 +1,20 @@
 #include "camera/camera.h"
 
-#include <algorithm>
+#include <kiv/platform/debug_output.h>
 
+#include <algorithm>
+#include <chrono>
+
+#include "transport/keep_forever.h"
 #include "transport/open_devices.h"
 
 namespace GenICam::Factory {
+
+namespace {
+
+constexpr std::chrono::milliseconds longest_access{5000};
+
+}  // namespace
 
 CCameraClass::OpenDevice::~OpenDevice() {
     if (!handle || ownership == Device::borrowed) return;
@@ -22,7 +32,31 @@ CCameraClass::CCameraClass(CTLWrapper& producer, GenTL::IF_HANDLE interface_hand
 
 CCameraClass::~CCameraClass() {
     EndAttachments();
-    if (remote_device_) remote_device_->Disconnect();
+    if (!remote_device_) return;
+    remote_device_->Disconnect();
+    const auto inside = WaitForNodeMap();
+    // Threads of this library that run callbacks share the map; an application's thread does not.
+    const bool is_shared = remote_device_.use_count() > 1;
+    using enum CModuleNodeMap::Occupant;
+    if (inside == another || (inside == caller && !is_shared)) Abandon();
+}
+
+CModuleNodeMap::Occupant CCameraClass::WaitForNodeMap() noexcept {
+    using enum CModuleNodeMap::Occupant;
+    if (!remote_device_) return nobody;
+    const auto inside = remote_device_->WaitUntilLeft(is_map_held_up_ ? std::chrono::milliseconds(0) : longest_access);
+    is_map_held_up_ = inside == another;
+    return inside;
+}
+
+void CCameraClass::Abandon() noexcept {
+    kiv::platform::debug_print(
+        "CCameraClass: a thread is inside the camera's node map and does not leave it: the map stays in memory.\n");
+    kiv::answer_of([&] {
+        kiv::keep_forever(producer_.Code());
+        kiv::keep_forever(remote_device_);
+        return K_ST_SUCCESS;
+    });
 }
 
 void CCameraClass::TakeDevice() {

@@ -4,6 +4,7 @@
 /// camera is closed are stopped first: they register as attachments.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -70,7 +71,14 @@ public:
     }
     void EndAttachments();
 
+    /// For what closes: waits until no other thread is inside the node map, some seconds at most and that only once. `another`: a
+    /// register access is held up in the producer, and whatever needs the map had better be left undone.
+    CModuleNodeMap::Occupant WaitForNodeMap() noexcept;
+
 private:
+    /// For a thread inside the node map that the producer does not let go of: what it is inside of stays.
+    void Abandon() noexcept;
+
     struct OpenDevice {
         CTLWrapper& producer;
         GenTL::DEV_HANDLE handle;
@@ -87,6 +95,7 @@ private:
     GEV::CCriticalSection section_;
     std::vector<std::shared_ptr<CCameraAttachment>> attachments_;
     bool closing_ = false;
+    std::atomic<bool> is_map_held_up_{false};
     kiv::LiveHandle live_{this, kiv::HandleKind::camera};
 };
 

@@ -4,6 +4,8 @@
 #include <kiv/genapi/load_node_map.h>
 #include <kiv/platform/debug_output.h>
 
+#include <thread>
+
 #include "camera/description.h"
 
 namespace GenICam::Factory {
@@ -28,6 +30,20 @@ void CModuleNodeMap::BuildNodeMap(const CTLWrapper& producer, GenTL::PORT_HANDLE
     }
     port_ = std::move(implementation);
     node_map_ = std::move(map);
+}
+
+CModuleNodeMap::Occupant CModuleNodeMap::WaitUntilLeft(std::chrono::milliseconds longest) noexcept {
+    auto former = former_ ? former_->WaitUntilLeft(longest) : Occupant::nobody;
+    if (former != Occupant::nobody || !node_map_) return former;
+    auto& lock = node_map_->GetLock();
+    const auto deadline = std::chrono::steady_clock::now() + longest;
+    while (!lock.TryLock()) {
+        if (std::chrono::steady_clock::now() >= deadline) return Occupant::another;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const bool was_inside = lock.Depth() > 1;
+    lock.Unlock();
+    return was_inside ? Occupant::caller : Occupant::nobody;
 }
 
 void read_own_node_map(CTLWrapper& producer) {

@@ -6,6 +6,7 @@
 
 #include <GenApi/i_node_map.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -32,6 +33,11 @@ public:
         if (port_) port_->Disconnect();
         if (former_) former_->Disconnect();
     }
+
+    enum class Occupant { nobody, caller, another };
+    /// Who is inside the map. Waits for other threads to leave it, at most so long. The caller is inside when a callback of a
+    /// node closes the camera.
+    Occupant WaitUntilLeft(std::chrono::milliseconds longest) noexcept;
 
 protected:
     std::unique_ptr<MyPortImp> port_;  // before the map, which borrows it

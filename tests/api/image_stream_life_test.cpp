@@ -224,6 +224,30 @@ TEST_F(ImageStream, ClosesThoughAWaitNeverReturns) {
     EXPECT_THAT(producer->Calls(), ::testing::IsEmpty()) << "and does not call into what is closed";
 }
 
+TEST_F(ImageStream, ClosesThoughARegisterReadNeverReturns) {
+    ASSERT_STATUS(K_ST_SUCCESS, OpenStream());
+    Stuck stuck(*producer, "GCReadPort");
+    std::int64_t value = 0;
+    std::thread reader([&] { EXPECT_STATUS(K_ST_GC_ERROR, K_Camera_GetValueInt64(camera, "Counter", &value)); });
+    stuck.WaitUntilInside();
+    auto frame = image_frame(1, 8, 8);
+    frame.data.resize(84);
+    frame.chunks = {{0xC0DE, 64, 20}};
+    frame.infos[GenTL::BUFFER_INFO_CHUNKLAYOUTID] = scripted::number_info(GenTL::INFO_DATATYPE_UINT64, 7);
+    Deliver(frame);  // its chunks cannot be attached: the reader has the node map
+    EXPECT_TRUE(producer->WaitForCalls("DSGetBufferChunkData", 2));
+    CloseStream();
+    CloseCamera();
+    CloseFactory();
+    EXPECT_THAT(producer->OpenModules(), ::testing::IsEmpty());
+    producer->ForgetCalls();
+    stuck.LetGo();
+    reader.join();
+    EXPECT_TRUE(debug.WaitFor(terminated));
+    EXPECT_THAT(producer->Calls(), ::testing::IsEmpty());
+    EXPECT_EQ(0u, images.Waiting());
+}
+
 TEST_F(ImageStream, AStartThatNeverReturnsGivesAHandleWithoutStream) {
     Stuck stuck(*producer, "DSStartAcquisition");
     EXPECT_STATUS(K_ST_INVALID_HANDLE, OpenStream());
