@@ -77,6 +77,13 @@ K_API K_STATUS_CODES K_CALL K_Image_ExecuteWhiteBalance(THRD_HANDLE hThread);
  * Only inside the callback, on its thread; K_ST_NOT_AVAILABLE elsewhere. *pSize is copied back whatever the result.
  */
 K_API K_STATUS_CODES K_CALL K_Image_GetBufferInfo(THRD_HANDLE hThread, int32_t infoCmd, void* buffer, uint32_t* pSize);
+/**
+ * When the producer handed over the buffer that the callback is being given: the moment at which its new-buffer event reached the
+ * stream thread, in nanoseconds of the system's steady clock (POSIX: CLOCK_MONOTONIC; C++: std::chrono::steady_clock). What the
+ * clock shows at the start of the callback, less this, is the library's own part of the latency.
+ * Only inside the callback, on its thread; K_ST_NOT_AVAILABLE elsewhere.
+ */
+K_API K_STATUS_CODES K_CALL K_Image_GetEventTime(THRD_HANDLE hThread, uint64_t* pNanoseconds);
 
 /**
  * What became of a stream's buffers. Each buffer that the producer delivered is counted once, as delivered, skipped or discarded;

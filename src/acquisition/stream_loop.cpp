@@ -31,6 +31,7 @@ void CStreamThread::Loop::Run() {
         const auto asked = Clock::now();
         auto status = thread_.gate_.Through(
             [&] { return thread_.producer_.EventGetData(new_buffer_event_, &filled, &size, event_timeout_ms); });
+        if (status == GenTL::GC_ERR_SUCCESS) thread_.event_time_ = Clock::now();
         if (left_over_count_ > 0 && (status == GenTL::GC_ERR_SUCCESS || status == GenTL::GC_ERR_TIMEOUT)) QueueLeftOver();
         if (status == GenTL::GC_ERR_SUCCESS) {
             OneBuffer(filled.BufferHandle);

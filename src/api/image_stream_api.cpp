@@ -110,6 +110,16 @@ K_API K_STATUS_CODES K_CALL K_Image_GetBufferInfo(THRD_HANDLE hThread, int32_t i
     });
 }
 
+K_API K_STATUS_CODES K_CALL K_Image_GetEventTime(THRD_HANDLE hThread, uint64_t* pNanoseconds) {
+    return guarded([&] {
+        auto stream = image_stream(hThread);
+        auto& result = out(pNanoseconds);
+        auto* thread = stream->Thread();
+        handle(thread);
+        return thread->EventTime(result);
+    });
+}
+
 K_API K_STATUS_CODES K_CALL K_Image_GetStreamStatistics(THRD_HANDLE hThread, K_STREAM_STATISTICS* pStatistics) {
     return guarded([&] {
         auto stream = image_stream(hThread);

@@ -273,10 +273,17 @@ struct Question {
     std::uint8_t incomplete = 0;
     std::uint32_t size = 8;
     K_STATUS_CODES known = K_ST_ERROR, unknown = K_ST_ERROR;
+    std::uint64_t event_ns = 0, called_ns = 0;
     std::promise<void> done;
 };
+std::uint64_t steady_ns() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
+}
 void ask_more(void* context, K_IMAGE_INFO*) {
     auto& asked = *static_cast<Question*>(context);
+    asked.called_ns = steady_ns();
+    K_Image_GetEventTime(*asked.stream, &asked.event_ns);
     asked.known = K_Image_GetBufferInfo(*asked.stream, GenTL::BUFFER_INFO_IS_INCOMPLETE, &asked.incomplete, &asked.size);
     std::uint32_t size = 99;
     asked.unknown = K_Image_GetBufferInfo(*asked.stream, 1999, &asked.incomplete, &size);
@@ -290,6 +297,7 @@ TEST_F(ImageStream, TheCallbackMayAskMoreAboutItsBuffer) {
                   K_Image_OpenStream(camera, 0, &asked, reinterpret_cast<AnyFunction>(ask_more), &stream, buffer_size, 0));
     auto torn = image_frame(1, 64, 48);
     torn.infos[GenTL::BUFFER_INFO_IS_INCOMPLETE] = scripted::number_info<std::uint8_t>(GenTL::INFO_DATATYPE_BOOL8, 1);
+    const auto before = steady_ns();
     Deliver(torn);
     ASSERT_EQ(std::future_status::ready, asked.done.get_future().wait_for(std::chrono::seconds(10)));
     EXPECT_STATUS(K_ST_SUCCESS, asked.known);
@@ -297,8 +305,11 @@ TEST_F(ImageStream, TheCallbackMayAskMoreAboutItsBuffer) {
     EXPECT_EQ(1u, asked.size);
     EXPECT_STATUS(K_ST_NOT_IMPLEMENTED, asked.unknown);
     std::uint32_t size = 8;
+    EXPECT_LE(before, asked.event_ns);
+    EXPECT_LE(asked.event_ns, asked.called_ns);
     EXPECT_STATUS(K_ST_NOT_AVAILABLE, K_Image_GetBufferInfo(stream, GenTL::BUFFER_INFO_SIZE, &size, &size))
         << "not in the callback";
+    EXPECT_STATUS(K_ST_NOT_AVAILABLE, K_Image_GetEventTime(stream, &asked.event_ns));
 }
 
 TEST_F(ImageStream, TheAcquisitionStopsAndStartsUnderTheRunningThread) {
