@@ -137,7 +137,7 @@ BENCHMARK_CAPTURE(WakeUp, no_chunks, [](StubFrame& frame) { frame.layout = 0; })
     ->Iterations(1);
 BENCHMARK_CAPTURE(WakeUp, chunks_same_layout, nullptr)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(3);
 
-/// Simulated cameras of the registry that lies beside the library: eight small ones, and one of five megapixels.
+/// Simulated cameras of the registry that lies beside the library: eight small ones, and two of five megapixels.
 class SimSession {
 public:
     SimSession() { CHECK(K_Factory_Open("", &factory_)); }
@@ -165,6 +165,7 @@ std::filesystem::path write_sim_configuration() {
     std::filesystem::create_directories(folder);
     std::ofstream text(folder / "cameras.json");
     text << R"({"interfaces": [{"id": "SIM0", "cameras": [{"serial": "LARGE", "width": 2448, "height": 2048, "frame_rate": 35})";
+    text << R"(, {"serial": "QUICK", "width": 2448, "height": 2048, "frame_rate": 10000})";
     for (int i = 0; i < 8; ++i) text << R"(, {"serial": "SMALL)" << i << R"(", "width": 256, "height": 256, "frame_rate": 200})";
     text << "]}]}";
     return folder;
@@ -212,6 +213,51 @@ void FiveMegapixels(benchmark::State& state) {
     CHECK(K_Camera_Close(camera));
 }
 BENCHMARK(FiveMegapixels)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(3);
+
+/// A camera without a frame rate to speak of, which shows rendered frames again: how many of them arrive, and what one takes of
+/// the time that copying it does.
+void FiveMegapixelsWithoutPause(benchmark::State& state) {
+    SimSession session;
+    auto camera = session.Open("QUICK");
+    constexpr std::uint64_t shown = 8, ring = 10;  // as much memory is touched by the copies beside it
+    CHECK(K_Camera_SetValueInt64(camera, "SimFrameCache", shown));
+    CHECK(K_Camera_SetValueDouble(camera, "ExposureTime", 10));
+    auto payload = payload_of(camera);
+    const std::vector<std::vector<char>> sources(shown, std::vector<char>(payload, 'x'));
+    std::vector<std::vector<char>> copies(ring, std::vector<char>(payload));
+    constexpr std::uint64_t rehearsal = 50, frames = 500;
+    for (auto _ : state) {
+        std::atomic<std::uint64_t> seen{0};
+        std::atomic<bool> done{false};
+        double first = 0, last = 0;
+        K_STREAM_STATISTICS statistics{};
+        {
+            OpenStream stream(camera, payload, [&](const K_IMAGE_INFO&) {
+                auto count = ++seen;
+                if (count == rehearsal) first = wall_time();
+                if (count == rehearsal + frames) last = wall_time(), done = true;
+            });
+            CHECK(K_Camera_ExecuteCommand(camera, "AcquisitionStart"));
+            while (!done) std::this_thread::sleep_for(1ms);
+            CHECK(K_Camera_ExecuteCommand(camera, "AcquisitionStop"));
+            statistics = stream.Statistics();
+        }
+        double copying = wall_time();
+        for (std::uint64_t i = 0; i < frames; ++i) {
+            std::memcpy(copies[i % ring].data(), sources[i % shown].data(), payload);
+            benchmark::ClobberMemory();
+        }
+        copying = (wall_time() - copying) / frames;
+        const double per_frame = (last - first) / frames;
+        state.SetIterationTime(per_frame);
+        state.counters["memcpy_us"] = copying * 1e6;
+        state.counters["of_memcpy"] = per_frame / copying;
+        state.counters["frames_per_s"] = 1 / per_frame;
+        state.counters["incomplete"] = static_cast<double>(statistics.incomplete);
+    }
+    CHECK(K_Camera_Close(camera));
+}
+BENCHMARK(FiveMegapixelsWithoutPause)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(3);
 
 /// Eight cameras at 200 frames/s of 64 KB for five seconds: how many images come, and how many do not.
 void EightCameras(benchmark::State& state) {
