@@ -39,21 +39,8 @@ void read_limits(const Node& node, Feature& feature) {
 
 void read_value(const Node& node, Feature& feature) {
     feature.text = node.Text();
-    switch (feature.kind) {
-        case Kind::kInteger:
-            feature.value = node.Integer();
-            break;
-        case Kind::kFloat:
-            feature.value = node.Double();
-            break;
-        case Kind::kBoolean:
-            feature.value = node.Integer() != 0;
-            feature.text = feature.value ? "true" : "false";
-            break;
-        default:
-            feature.value = feature.text;
-            break;
-    }
+    feature.value = node_value(node, feature.kind);
+    if (feature.kind == Kind::kBoolean) feature.text = feature.value ? "true" : "false";
 }
 
 bool has_value(Kind kind) { return kind != Kind::kCategory && kind != Kind::kCommand && kind != Kind::kOther; }
@@ -83,6 +70,19 @@ Json entry_json(const EnumEntry& entry) {
 }
 
 }  // namespace
+
+Json node_value(const Node& node, Kind kind) {
+    switch (kind) {
+        case Kind::kInteger:
+            return node.Integer();
+        case Kind::kFloat:
+            return node.Double();
+        case Kind::kBoolean:
+            return node.Integer() != 0;
+        default:
+            return node.Text();
+    }
+}
 
 Feature read_feature(const Node& node) {
     Feature feature;

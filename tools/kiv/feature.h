@@ -36,6 +36,9 @@ struct Feature {
 /// A failing device does not throw here: it is told in `error`, so that one broken feature does not hide all others.
 Feature read_feature(const Node& node);
 
+/// A value by its type, enumerations by the entry's name. Throws ApiError when it cannot be read.
+nlohmann::json node_value(const Node& node, Kind kind);
+
 /// The keys are documented in docs/kiv-tool.md.
 nlohmann::json to_json(const Feature& feature);
 

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <deque>
 #include <mutex>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <vector>
 
@@ -20,6 +21,8 @@ struct Frame {
     uint64_t number = 0;  ///< counted from 1 within the grab
     K_IMAGE_INFO info{};
     std::vector<uint8_t> data;
+    bool incomplete = false;
+    nlohmann::json chunks;  ///< values by feature name; null when they are not wanted
 };
 
 struct QueueStatistics {

@@ -6,7 +6,10 @@
 #include <cstring>
 #include <exception>
 
-FrameReceiver::FrameReceiver(FrameQueue& queue, uint64_t wanted) : queue_(queue), wanted_(wanted) { Expect(); }
+FrameReceiver::FrameReceiver(FrameQueue& queue, const ReceiverSettings& settings)
+    : queue_(queue), settings_(settings), probe_(settings.tick_ns) {
+    Expect();
+}
 
 void FrameReceiver::OnImage(void* context, K_IMAGE_INFO* image) noexcept {
     auto& self = *static_cast<FrameReceiver*>(context);
@@ -36,30 +39,37 @@ Reception FrameReceiver::State() const {
 }
 
 void FrameReceiver::Take(const K_IMAGE_INFO& image) {
-    const std::optional<Ticket> ticket = Enter(image);
+    FrameTiming timing = probe_.Measure(image);
+    timing.unwritten = queue_.Size();
+    const std::optional<Ticket> ticket = Enter(image, timing);
     if (!ticket) return;
-    Frame frame{ticket->number, image, queue_.TakeMemory()};
+    if (!settings_.writes) return Leave(ticket->bytes);
+    Frame frame{ticket->number, image, queue_.TakeMemory(), timing.incomplete, nullptr};
     const auto* begin = static_cast<const uint8_t*>(image.image_data);
     frame.data.assign(begin, begin + ticket->bytes);
     frame.info.image_data = frame.data.data();
     frame.info.image_size = static_cast<uint32_t>(ticket->bytes);
+    if (settings_.chunks != nullptr) frame.chunks = settings_.chunks->Read();
     const bool queued = queue_.Push(std::move(frame));
     Leave(queued ? ticket->bytes : 0);
 }
 
-std::optional<FrameReceiver::Ticket> FrameReceiver::Enter(const K_IMAGE_INFO& image) {
+std::optional<FrameReceiver::Ticket> FrameReceiver::Enter(const K_IMAGE_INFO& image, const FrameTiming& timing) {
     const std::lock_guard lock(mutex_);
-    if (IsFinished() || (wanted_ != 0 && entered_ == wanted_)) return std::nullopt;
-    CountMissing(image.frame_id);
+    if (IsFinished() || (settings_.wanted != 0 && entered_ == settings_.wanted)) return std::nullopt;
+    state_.missing += timing.missing;
     uint64_t bytes = 0;
     const VL_STATUS size_known = vlGetRawSize(&image, &bytes);
     // A format that the imaging library does not know is kept as it is: raw files can hold it.
     if (size_known == VL_ST_NOT_IMPLEMENTED) bytes = image.image_size;
-    const bool is_whole = size_known == VL_ST_SUCCESS || size_known == VL_ST_NOT_IMPLEMENTED;
-    if (!is_whole || image.image_data == nullptr) {
-        ++state_.incomplete;
-        return std::nullopt;
+    const bool fits = image.image_data != nullptr && (size_known == VL_ST_SUCCESS || size_known == VL_ST_NOT_IMPLEMENTED);
+    const bool is_incomplete = timing.incomplete || !fits;
+    if (settings_.keep_timings) {
+        timings_.push_back(timing);
+        timings_.back().incomplete = is_incomplete;
     }
+    if (is_incomplete) ++state_.incomplete;
+    if (!fits || (is_incomplete && !settings_.keep_incomplete)) return std::nullopt;
     const Clock::time_point now = Clock::now();
     if (!state_.first) state_.first = now;
     state_.last = now;
@@ -68,12 +78,6 @@ std::optional<FrameReceiver::Ticket> FrameReceiver::Enter(const K_IMAGE_INFO& im
     state_.pixel_type = image.pixel_type;
     delivering_ = true;
     return Ticket{++entered_, bytes};
-}
-
-void FrameReceiver::CountMissing(uint64_t frame_id) {
-    // Ids that run backwards began anew (16-bit ids of older cameras do after 65535): nothing can be said about a gap there.
-    if (last_frame_id_ && frame_id > *last_frame_id_ + 1) state_.missing += frame_id - *last_frame_id_ - 1;
-    last_frame_id_ = frame_id;
 }
 
 void FrameReceiver::Leave(uint64_t queued_bytes) {
@@ -92,4 +96,6 @@ void FrameReceiver::Fail(const std::string& reason) {
     ended_.notify_all();
 }
 
-bool FrameReceiver::IsFinished() const { return !state_.failure.empty() || (wanted_ != 0 && state_.frames == wanted_); }
+bool FrameReceiver::IsFinished() const {
+    return !state_.failure.empty() || (settings_.wanted != 0 && state_.frames == settings_.wanted);
+}

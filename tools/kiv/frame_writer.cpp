@@ -5,11 +5,14 @@
 #include <cstdio>
 #include <utility>
 
+#include "feature.h"
+#include "files.h"
+
 namespace {
 
-std::string file_name(uint64_t number, FileKind kind) {
+std::string file_name(uint64_t number, const char* extension) {
     std::array<char, 64> name{};
-    std::snprintf(name.data(), name.size(), "frame_%06llu%s", static_cast<unsigned long long>(number), file_extension(kind));
+    std::snprintf(name.data(), name.size(), "frame_%06llu%s", static_cast<unsigned long long>(number), extension);
     return name.data();
 }
 
@@ -59,12 +62,20 @@ void FrameWriter::Run() noexcept {
 }
 
 void FrameWriter::WriteOne(Frame& frame) {
-    WrittenFrame written{file_name(frame.number, style_.kind), frame.number, frame.info};
+    WrittenFrame written{file_name(frame.number, file_extension(style_.kind)), frame.number, frame.info, frame.incomplete, {}};
     write_image_file(frame.info, (folder_ / written.file).string(), style_);
     written.info.image_data = nullptr;
+    if (!frame.chunks.is_null()) WriteChunks(frame, written);
     queue_.GiveBack(std::move(frame.data));
     const std::lock_guard lock(mutex_);
     written_.push_back(std::move(written));
+}
+
+void FrameWriter::WriteChunks(const Frame& frame, WrittenFrame& written) const {
+    written.chunk_file = file_name(frame.number, ".json");
+    const nlohmann::json json{
+        {"file", written.file}, {"frame_id", frame.info.frame_id}, {"timestamp", frame.info.timestamp}, {"chunks", frame.chunks}};
+    write_text_file(folder_ / written.chunk_file, json_text(json));
 }
 
 void FrameWriter::Fail(const std::string& reason) {

@@ -15,6 +15,8 @@ struct WrittenFrame {
     std::string file;
     uint64_t number = 0;
     K_IMAGE_INFO info{};
+    bool incomplete = false;
+    std::string chunk_file;  ///< empty when there is none
 };
 
 class FrameWriter {
@@ -38,6 +40,7 @@ public:
 private:
     void Run() noexcept;
     void WriteOne(Frame& frame);
+    void WriteChunks(const Frame& frame, WrittenFrame& written) const;
     void Fail(const std::string& reason);
 
     FrameQueue& queue_;

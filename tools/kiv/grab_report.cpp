@@ -19,15 +19,18 @@ std::string hexadecimal(uint64_t value) {
 }
 
 nlohmann::json frame_json(const WrittenFrame& frame) {
-    return {{"file", frame.file},
-            {"frame_id", frame.info.frame_id},
-            {"timestamp", frame.info.timestamp},
-            {"width", frame.info.width},
-            {"height", frame.info.height},
-            {"offset_x", frame.info.offset_x},
-            {"offset_y", frame.info.offset_y},
-            {"pixel_type", hexadecimal(frame.info.pixel_type)},
-            {"bytes", frame.info.image_size}};
+    nlohmann::json json{{"file", frame.file},
+                        {"frame_id", frame.info.frame_id},
+                        {"timestamp", frame.info.timestamp},
+                        {"width", frame.info.width},
+                        {"height", frame.info.height},
+                        {"offset_x", frame.info.offset_x},
+                        {"offset_y", frame.info.offset_y},
+                        {"pixel_type", hexadecimal(frame.info.pixel_type)},
+                        {"bytes", frame.info.image_size},
+                        {"incomplete", frame.incomplete}};
+    if (!frame.chunk_file.empty()) json["chunks"] = frame.chunk_file;
+    return json;
 }
 
 void print_line(const char* label, const std::string& text) { std::printf("  %-14s %s\n", label, text.c_str()); }
@@ -50,13 +53,13 @@ std::string queue_text(const QueueStatistics& queue) {
 
 }  // namespace
 
+uint64_t frame_count(const GrabReport& report) { return report.folder.empty() ? report.reception.frames : report.written.size(); }
+
 nlohmann::json to_json(const GrabReport& report) {
     const Reception& reception = report.reception;
     nlohmann::json json{{"camera", report.camera.id},
-                        {"folder", report.folder.string()},
-                        {"format", file_kind_name(report.kind)},
                         {"requested", report.wanted},
-                        {"frames", report.written.size()},
+                        {"frames", frame_count(report)},
                         {"ending", kEndings[static_cast<std::size_t>(report.ending)]},
                         {"width", reception.width},
                         {"height", reception.height},
@@ -70,6 +73,10 @@ nlohmann::json to_json(const GrabReport& report) {
                         {"bytes", reception.bytes},
                         {"seconds", report.seconds},
                         {"leftovers", report.leftovers}};
+    const bool writes = !report.folder.empty();
+    json["folder"] = writes ? nlohmann::json(report.folder.string()) : nlohmann::json();
+    json["format"] = writes ? nlohmann::json(file_kind_name(report.kind)) : nlohmann::json();
+    if (report.statistics) json["statistics"] = to_json(*report.statistics);
     json["underrun"] = report.underrun ? nlohmann::json(*report.underrun) : nlohmann::json();
     json["first_frame_s"] = reception.first ? nlohmann::json(report.first_frame_s) : nlohmann::json();
     json["queue"] = {{"capacity", report.queue.capacity},
@@ -83,19 +90,22 @@ nlohmann::json to_json(const GrabReport& report) {
 void print_summary(const GrabReport& report) {
     const Reception& reception = report.reception;
     const std::string of = report.wanted != 0 ? " of " + std::to_string(report.wanted) : "";
-    std::printf("%zu%s frames of camera %zu (%s, SN %s) in %s%s\n", report.written.size(), of.c_str(), report.camera.index,
-                printable(report.camera.model).c_str(), printable(report.camera.serial).c_str(), report.folder.string().c_str(),
+    const bool writes = !report.folder.empty();
+    std::printf("%llu%s frames of camera %zu (%s, SN %s)%s%s\n", static_cast<unsigned long long>(frame_count(report)), of.c_str(),
+                report.camera.index, printable(report.camera.model).c_str(), printable(report.camera.serial).c_str(),
+                writes ? (" in " + report.folder.string()).c_str() : ", none written",
                 report.ending == Ending::kInterrupted ? " (interrupted)" : "");
     if (reception.first) {
         print_line("images", std::to_string(reception.width) + " x " + std::to_string(reception.height) + " " +
-                                 printable(report.pixel_format) + ", written as " + file_kind_name(report.kind));
+                                 printable(report.pixel_format) +
+                                 (writes ? std::string(", written as ") + file_kind_name(report.kind) : ""));
         print_line("rate", rates(report));
-        print_line("first frame", "after " + fixed_number(report.first_frame_s, 3) + " s; all written after " +
-                                      fixed_number(report.seconds, 3) + " s");
+        print_line("first frame", "after " + fixed_number(report.first_frame_s, 3) + " s; all " + (writes ? "written" : "there") +
+                                      " after " + fixed_number(report.seconds, 3) + " s");
     }
     print_line("missing", losses(report));
     print_line("bad", std::to_string(reception.incomplete) + " incomplete, " + std::to_string(report.failed) + " not written");
-    print_line("queue", queue_text(report.queue));
+    if (writes) print_line("queue", queue_text(report.queue));
     if (report.leftovers != 0) print_line("note", counted(report.leftovers, "image") + " of an earlier grab still in the folder");
 }
 

@@ -1,6 +1,5 @@
 #include "image_file.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -8,6 +7,7 @@
 #include <filesystem>
 #include <map>
 
+#include "options.h"
 #include "status_names.h"
 #include "text.h"
 
@@ -56,7 +56,7 @@ void add_quality_options(CLI::App& command, FileStyle& style) {
         .add_option("--quality", style.demosaic,
                     "How the colours of a colour filter are completed: bilinear (fast), edge, best (slow)")
         ->type_name("QUALITY")
-        ->transform(CLI::CheckedTransformer(kQualities, CLI::ignore_case).description(""))
+        ->transform(one_of(kQualities))
         ->default_str("bilinear");
     command.add_option("--jpeg-quality", style.jpeg_quality, "Of JPEG files: 1 (small) to 100 (good)")
         ->type_name("N")
@@ -67,7 +67,7 @@ void add_quality_options(CLI::App& command, FileStyle& style) {
 void add_file_options(CLI::App& command, FileStyle& style) {
     command.add_option("--format", style.kind, "Kind of files: bmp, png, tiff, jpeg, raw")
         ->type_name("FORMAT")
-        ->transform(CLI::CheckedTransformer(kFormats, CLI::ignore_case).description(""))
+        ->transform(one_of(kFormats))
         ->default_str("png");
     add_quality_options(command, style);
 }

@@ -1,10 +1,10 @@
 // kiv: cameras from the command line. This file reads the command line and turns failures into messages and exit codes.
 
-#include <array>
 #include <cstdio>
 #include <exception>
 
 #include "error.h"
+#include "log_option.h"
 #include "options.h"
 #include "session.h"
 
@@ -18,15 +18,16 @@ constexpr const char* kFooter =
     "  kiv grab 0 -n 50 -o shots --format tiff\n"
     "\n"
     "Exit codes: 0 ok, 1 an operation failed, 2 wrong command line, 3 no registry, producer or camera,\n"
-    "            4 camera not found, ambiguous or in use, 5 incomplete grab, 6 faulty description, 130 interrupted";
+    "            4 camera not found, ambiguous or in use, 5 incomplete grab, 6 faulty description,\n"
+    "            130 interrupted";
 
 std::string version_text() { return std::string("kiv ") + KIV_VERSION + " (library " + library_info(0) + ")"; }
 
 using AddCommand = void (*)(CLI::App&, Invocation&);
-constexpr std::array<AddCommand, 15> kCommands{add_list_command, add_info_command, add_features_command,  add_get_command,
-                                               add_set_command,  add_exec_command, add_watch_command,     add_grab_command,
-                                               add_xml_command,  add_tree_command, add_producers_command, add_probe_command,
-                                               add_lint_command, add_save_command, add_load_command};
+constexpr AddCommand kCommands[]{
+    add_list_command,  add_info_command,   add_features_command, add_get_command,  add_set_command,  add_exec_command,
+    add_watch_command, add_events_command, add_grab_command,     add_xml_command,  add_tree_command, add_producers_command,
+    add_probe_command, add_lint_command,   add_save_command,     add_load_command};
 
 /// What ends up on the error stream starts with the program's name, like the messages of any tool in a script.
 int report(ExitCode exit, const char* message) {
@@ -40,8 +41,10 @@ int run(int argc, char** argv) {
     app.set_version_flag("--version", version_text);
     app.footer(kFooter);
     app.require_subcommand(1);
+    LogOption log;
     Invocation invocation;
     for (const AddCommand add : kCommands) add(app, invocation);
+    for (CLI::App* command : app.get_subcommands({})) log.AddTo(*command);
     if (argc < 2) return report(ExitCode::kUsage, ("which command?\n\n" + app.help()).c_str());
     try {
         app.parse(argc, argv);
@@ -50,6 +53,7 @@ int run(int argc, char** argv) {
         return report(ExitCode::kUsage,
                       (std::string(wrong.what()) + "\n  \"kiv --help\" and \"kiv COMMAND --help\" tell more.").c_str());
     }
+    log.Begin();
     return static_cast<int>(invocation.run());
 }
 

@@ -27,6 +27,22 @@ enum class Takes : unsigned { kRegistry = 1, kJson = 2, kTimeout = 4 };
 constexpr unsigned operator|(Takes a, Takes b) { return static_cast<unsigned>(a) | static_cast<unsigned>(b); }
 constexpr unsigned operator|(unsigned a, Takes b) { return a | static_cast<unsigned>(b); }
 
+/// A word out of a table, in any case of letters.
+template <class Value>
+CLI::Validator one_of(const std::map<std::string, Value>& words) {
+    const auto translate = [words](std::string& word) -> std::string {
+        const auto found = words.find(CLI::detail::to_lower(word));
+        if (found == words.end()) {
+            std::string choice;
+            for (const auto& entry : words) choice += (choice.empty() ? "" : ", ") + entry.first;
+            return "\"" + word + "\" is none of " + choice;
+        }
+        word = std::to_string(static_cast<long long>(found->second));
+        return "";
+    };
+    return CLI::Validator(translate, "");
+}
+
 inline void add_shared_options(CLI::App& command, Options& options, unsigned takes) {
     const auto has = [takes](Takes which) { return (takes & static_cast<unsigned>(which)) != 0; };
     if (has(Takes::kRegistry))
@@ -44,7 +60,7 @@ inline void add_level_options(CLI::App& command, uint32_t& level, bool& all) {
     const std::map<std::string, uint32_t> levels{{"beginner", 0}, {"expert", 1}, {"guru", 2}, {"invisible", 3}};
     command.add_option("--level", level, "Hide what is above this visibility level: beginner, expert, guru, invisible")
         ->type_name("LEVEL")
-        ->transform(CLI::CheckedTransformer(levels, CLI::ignore_case).description(""))
+        ->transform(one_of(levels))
         ->default_str("guru");
     command.add_flag("--all", all, "Show features that are not implemented, and entries that are not available");
 }
@@ -66,4 +82,5 @@ void add_probe_command(CLI::App& app, Invocation& invocation);
 void add_watch_command(CLI::App& app, Invocation& invocation);
 void add_save_command(CLI::App& app, Invocation& invocation);
 void add_load_command(CLI::App& app, Invocation& invocation);
+void add_events_command(CLI::App& app, Invocation& invocation);
 void add_lint_command(CLI::App& app, Invocation& invocation);

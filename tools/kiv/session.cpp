@@ -206,6 +206,12 @@ Stream::Stream(const Camera& camera, uint32_t buffer_size, void* context, K_IMAG
                                                " bytes");
 }
 
+std::optional<K_STREAM_STATISTICS> Stream::Statistics() const {
+    K_STREAM_STATISTICS statistics{};
+    if (K_Image_GetStreamStatistics(handle_.get(), &statistics) != K_ST_SUCCESS) return std::nullopt;
+    return statistics;
+}
+
 std::optional<uint64_t> Stream::Counter(int32_t command) const {
     uint64_t value = 0;
     uint32_t size = sizeof value;

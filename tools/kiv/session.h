@@ -74,6 +74,9 @@ public:
     /// `context` must not be null: it is what makes the library call a K_IMAGE_CONTEXT_CALLBACK.
     Stream(const Camera& camera, uint32_t buffer_size, void* context, K_IMAGE_CONTEXT_CALLBACK callback);
 
+    THRD_HANDLE Handle() const { return handle_.get(); }
+    /// Nothing when the library does not tell.
+    std::optional<K_STREAM_STATISTICS> Statistics() const;
     /// A 64-bit counter of GenTL's STREAM_INFO_CMD; nothing when the producer does not keep it.
     std::optional<uint64_t> Counter(int32_t command) const;
     void Close() { handle_.reset(); }

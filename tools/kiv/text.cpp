@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <ctime>
 #include <numeric>
 #include <utility>
 
@@ -99,4 +100,13 @@ std::string joined(const std::vector<std::string>& words, std::string_view separ
 
 std::string counted(unsigned long long count, std::string_view noun) {
     return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+std::string time_text(std::chrono::system_clock::time_point time) {
+    const auto since_epoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
+    const auto seconds = static_cast<std::time_t>(since_epoch / 1000);
+    std::array<char, 32> text{};
+    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S.", std::gmtime(&seconds));
+    const std::string thousandths = std::to_string(1000 + since_epoch % 1000).substr(1);
+    return text.data() + thousandths + "Z";
 }

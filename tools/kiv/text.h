@@ -1,6 +1,7 @@
 /// Small text work: what a camera says is made fit for a terminal, numbers and tables are made fit for a reader.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -25,6 +26,9 @@ std::vector<std::string> wrapped(const std::vector<std::string>& words, std::str
 std::vector<std::string> similar_names(std::string_view wanted, const std::vector<std::string>& candidates);
 
 std::string joined(const std::vector<std::string>& words, std::string_view separator);
+
+/// "2026-03-01T12:34:56.789Z"
+std::string time_text(std::chrono::system_clock::time_point time);
 
 /// "1 frame", "2 frames"
 std::string counted(unsigned long long count, std::string_view noun);

@@ -1,10 +1,8 @@
 // kiv watch: the values of features as they change.
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdio>
-#include <ctime>
 
 #include "camera_list.h"
 #include "change_signal.h"
@@ -39,16 +37,6 @@ struct Arguments {
 
 /// How soon Ctrl-C is noticed.
 constexpr std::chrono::milliseconds kLongestWait{50};
-
-/// "2026-03-01T12:34:56.789Z"
-std::string time_text(std::chrono::system_clock::time_point time) {
-    const auto since_epoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
-    const auto seconds = static_cast<std::time_t>(since_epoch / 1000);
-    std::array<char, 32> text{};
-    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S.", std::gmtime(&seconds));
-    const std::string thousandths = std::to_string(1000 + since_epoch % 1000).substr(1);
-    return text.data() + thousandths + "Z";
-}
 
 struct Watched {
     Node node;
