@@ -146,6 +146,13 @@ VL_API const char* VL_CALL vlGetLastErrorText(void);
  */
 VL_API VL_STATUS VL_CALL vlGetImageType(uint64_t pixelType, uint64_t* pImageType);
 
+/**
+ * A pixel format's name in the PFNC (or GigE Vision's), and the code of a name, in any case of letters. *pName is a constant text.
+ * VL_ST_NOT_IMPLEMENTED for one that the library does not know.
+ */
+VL_API VL_STATUS VL_CALL vlGetPixelFormatName(uint64_t pixelType, const char** pName);
+VL_API VL_STATUS VL_CALL vlGetPixelFormatByName(const char* name, uint64_t* pPixelType);
+
 /** Allocates an image of the record's width and height, of the type that vlGetImageType tells. Its data pointer is not read. */
 VL_API VL_STATUS VL_CALL vlMalloc(const K_IMAGE_INFO* raw, VL_IMAGE_HANDLE* phImage);
 /**

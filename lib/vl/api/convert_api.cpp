@@ -36,6 +36,17 @@ std::shared_ptr<Image> dib_of(VL_IMAGE_HANDLE handle) {
 
 }  // namespace
 
+VL_STATUS VL_CALL vlGetPixelFormatName(uint64_t pixelType, const char** pName) {
+    return guarded(__func__, [&] { required(pName, "pName") = pixel_format(pixelType).name; });
+}
+
+VL_STATUS VL_CALL vlGetPixelFormatByName(const char* name, uint64_t* pPixelType) {
+    return guarded(__func__, [&] {
+        refuse_null(name, "name");
+        required(pPixelType, "pPixelType") = pixel_format(std::string_view(name)).code;
+    });
+}
+
 VL_STATUS VL_CALL vlGetImageType(uint64_t pixelType, uint64_t* pImageType) {
     return guarded(__func__, [&] { required(pImageType, "pImageType") = image_type_of(pixel_format(pixelType)); });
 }

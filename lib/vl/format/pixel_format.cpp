@@ -266,4 +266,13 @@ const PixelFormat& pixel_format(std::uint64_t code) {
     throw Error(VL_ST_NOT_IMPLEMENTED, "pixel format " + code_text(code) + " is not known");
 }
 
+const PixelFormat& pixel_format(std::string_view name) {
+    const auto same_letter = [](char a, char b) { return (a | 0x20) == (b | 0x20); };
+    const auto found = std::find_if(std::begin(formats), std::end(formats), [&](const PixelFormat& format) {
+        return std::ranges::equal(std::string_view(format.name), name, same_letter);
+    });
+    if (found != std::end(formats)) return *found;
+    throw Error(VL_ST_NOT_IMPLEMENTED, "there is no pixel format \"" + std::string(name) + "\" that is known");
+}
+
 }  // namespace kiv::vl

@@ -63,5 +63,7 @@ struct PixelFormat {
 const PixelFormat* find_pixel_format(std::uint64_t code) noexcept;
 /// The same; an unknown code is an Error that names it.
 const PixelFormat& pixel_format(std::uint64_t code);
+/// By its name in any case of letters; an unknown one is an Error that names it.
+const PixelFormat& pixel_format(std::string_view name);
 
 }  // namespace kiv::vl
