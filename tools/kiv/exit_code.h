@@ -9,5 +9,6 @@ enum class ExitCode {
     kNoSuchCamera = 4,       ///< the camera that was asked for is not there, is ambiguous, or is in use
     kIncompleteGrab = 5,     ///< a grab ended with fewer good images than asked for
     kFaultyDescription = 6,  ///< lint found errors or warnings
+    kNoDisplay = 7,          ///< there is no screen to open a window on
     kInterrupted = 130,      ///< ended by Ctrl-C, as shells count it
 };

@@ -18,7 +18,7 @@ constexpr const char* kFooter =
     "  kiv grab 0 -n 50 -o shots --format tiff\n"
     "\n"
     "Exit codes: 0 ok, 1 an operation failed, 2 wrong command line, 3 no registry, producer or camera,\n"
-    "            4 camera not found, ambiguous or in use, 5 incomplete grab, 6 faulty description,\n"
+    "            4 camera not found, ambiguous or in use, 5 incomplete grab, 6 faulty description, 7 no display,\n"
     "            130 interrupted";
 
 std::string version_text() { return std::string("kiv ") + KIV_VERSION + " (library " + library_info(0) + ")"; }
@@ -27,7 +27,7 @@ using AddCommand = void (*)(CLI::App&, Invocation&);
 constexpr AddCommand kCommands[]{
     add_list_command,  add_info_command,   add_features_command, add_get_command,  add_set_command,  add_exec_command,
     add_watch_command, add_events_command, add_grab_command,     add_xml_command,  add_tree_command, add_producers_command,
-    add_probe_command, add_lint_command,   add_save_command,     add_load_command};
+    add_probe_command, add_lint_command,   add_save_command,     add_load_command, add_view_command, add_convert_command};
 
 /// What ends up on the error stream starts with the program's name, like the messages of any tool in a script.
 int report(ExitCode exit, const char* message) {

@@ -84,3 +84,5 @@ void add_save_command(CLI::App& app, Invocation& invocation);
 void add_load_command(CLI::App& app, Invocation& invocation);
 void add_events_command(CLI::App& app, Invocation& invocation);
 void add_lint_command(CLI::App& app, Invocation& invocation);
+void add_view_command(CLI::App& app, Invocation& invocation);
+void add_convert_command(CLI::App& app, Invocation& invocation);
