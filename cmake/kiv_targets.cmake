@@ -18,6 +18,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/archive)
 set(KIV_DATA_DIRECTORY ${CMAKE_BINARY_DIR}/lib/kiv)
+set(KIV_INSTALL_DATADIR ${CMAKE_INSTALL_LIBDIR}/kiv)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
@@ -54,6 +55,12 @@ function(kiv_library name)
   endif()
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE kiv_options ${ARG_PRIVATE_LINK})
+endfunction()
+
+# kiv_not_here(name reason): in the place of a test program that makes no sense on this system, a case that is skipped and says why.
+function(kiv_not_here name reason)
+  add_test(NAME ${name} COMMAND ${CMAKE_COMMAND} -E echo "skipped: ${reason}")
+  set_tests_properties(${name} PROPERTIES SKIP_REGULAR_EXPRESSION "skipped: ")
 endfunction()
 
 # The programs whose cases carry the label "threads": all that the thread sanitizer's build needs.

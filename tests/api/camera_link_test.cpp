@@ -12,6 +12,8 @@
 #include "support/debug_recorder.h"
 #include "support/expect_status.h"
 #include "support/serial_camera.h"
+#include "support/system/habits.h"
+#include "support/system/installer_records.h"
 #include "support/temp_folder.h"
 
 namespace kiv_test {
@@ -34,15 +36,19 @@ struct Findings {
 class CameraLink : public testing::Test {
 protected:
     CameraLink() { std::filesystem::create_directory(folder.In("libraries")); }
+    void SetUp() override {
+        if (!SerialLine::IsThere()) GTEST_SKIP() << "there are no serial lines: KIV_TEST_SERIAL_LINES names none";
+    }
 
     /// A port of the test's frame grabber.
     void AddGrabberPort(const std::string& name, const std::string& device, const std::string& mask) {
-        const std::string link = folder.In("libraries/clserkiv.so");
-        if (!std::filesystem::exists(link)) std::filesystem::create_symlink(KIV_SERIAL_LIBRARY, link);
+        if (grabber_ports.empty()) AddLibrary(KIV_SERIAL_LIBRARY, "clserkiv");
         grabber_ports += name + "=" + device + "=" + mask + ";";
     }
     void AddSystemPort(const std::string& device) { system_ports += device + ";"; }
-    void AddLibrary(const char* file, const char* name) { std::filesystem::create_symlink(file, folder.In("libraries/") + name); }
+    void AddLibrary(const char* file, const char* name) {
+        give_second_name(file, folder.In("libraries/") + name + library_suffix);
+    }
 
     Findings Probe(const char* cancel_event = nullptr) {
         const ScopedEnvironment path("KIV_CAMERA_LINK_PATH", folder.In("libraries"));
@@ -77,8 +83,9 @@ TEST_F(CameraLink, TellsOfEachCameraItsPortIdentityNameAndRates) {
     const Findings found = Probe();
     ASSERT_STATUS(K_ST_SUCCESS, found.status);
     EXPECT_EQ("Test Grabbers#A\n" + system_id(second) + "\n", found.texts[0]);
-    EXPECT_THAT(found.texts[1], testing::MatchesRegex("/.*#libKiv_Factory.so#Kiv_Ltd#Line#KIV_SIM_1#_1_0#_4F01\n"
-                                                      "/.*#libKiv_Factory.so#Kiv_Ltd#Line#Second_camera#_1_0#_77\n"));
+    const std::string driver = std::string("Kiv_Factory") + library_suffix;
+    EXPECT_THAT(found.texts[1], testing::AllOf(HasSubstr(driver + "#Kiv_Ltd#Line#KIV_SIM_1#_1_0#_4F01\n"),
+                                               testing::EndsWith(driver + "#Kiv_Ltd#Line#Second_camera#_1_0#_77\n")));
     EXPECT_EQ("KIV-SIM-1\nSecond?camera\n", found.texts[2]);
     EXPECT_EQ("9600\n9600\n", found.texts[3]);
     EXPECT_EQ("9600$19200$115200\n9600$19200$38400$57600$115200$230400$460800$921600\n", found.texts[4]);
@@ -110,27 +117,32 @@ TEST_F(CameraLink, FindsACameraThatWorksAtAnotherRate) {
 
 TEST_F(CameraLink, UsesLibrariesOfTheFirstGenerationAndPassesOverBrokenOnes) {
     SerialCamera camera;
-    AddLibrary(KIV_OLD_SERIAL_LIBRARY, "clserold.so");
-    folder.Write("libraries/clserbad.so", "no library");
-    std::filesystem::create_symlink(KIV_SIM_PRODUCER, folder.In("libraries/clsergtl.so"));
+    AddLibrary(KIV_OLD_SERIAL_LIBRARY, "clserold");
+    folder.Write(std::string("libraries/clserbad") + library_suffix, "no library");
+    AddLibrary(KIV_SIM_PRODUCER, "clsergtl");
     grabber_ports = "unnamed=" + camera.Path() + "=0;";
     const Findings found = Probe();
-    EXPECT_EQ("clserold.so#Port 0\n", found.texts[0]);
+    EXPECT_EQ(std::string("clserold") + library_suffix + "#Port 0\n", found.texts[0]);
     EXPECT_EQ("9600\n", found.texts[4]);
-    EXPECT_THAT(debug.Text(),
-                testing::AllOf(HasSubstr("clserbad.so"), HasSubstr("clsergtl.so' is no serial library: it has no clSerialInit")));
+    EXPECT_THAT(debug.Text(), testing::AllOf(HasSubstr("clserbad"), HasSubstr(std::string("clsergtl") + library_suffix +
+                                                                              "' is no serial library: it has no clSerialInit")));
 }
 
 TEST_F(CameraLink, TheSystemsRecordNamesAFolderTooAndALibraryCountsOnce) {
     SerialCamera camera;
-    std::filesystem::create_symlink(KIV_SERIAL_LIBRARY, folder.MakeFolder("recorded") + "/libCLSerKIV.so");
-    const ScopedEnvironment records(
-        "KIV_INSTALLER_REGISTRY", folder.Write("records.reg", "[HKEY_LOCAL_MACHINE\\SOFTWARE\\CameraLink]\n\"CLSERIALPATH\"=\"" +
-                                                                  folder.In("recorded") + "\"\n"));
+    give_second_name(KIV_SERIAL_LIBRARY, folder.MakeFolder("recorded") + "/libCLSerKIV" + library_suffix);
+    const auto record = [this](const char* name) {
+        return "[HKEY_LOCAL_MACHINE\\SOFTWARE\\CameraLink]\n\"CLSERIALPATH\"=\"" +
+               std::filesystem::path(folder.In(name)).generic_string() + "\"\n";
+    };
     grabber_ports = "A=" + camera.Path() + "=1;";
-    EXPECT_EQ("Test Grabbers#A\n", Probe().texts[0]);
-    AddLibrary(KIV_SERIAL_LIBRARY, "clserkiv.so");
-    EXPECT_EQ("Test Grabbers#A\n", Probe().texts[0]);
+    {
+        const InstallerRecords records(record("recorded"));
+        EXPECT_EQ("Test Grabbers#A\n", Probe().texts[0]);
+    }
+    AddLibrary(KIV_SERIAL_LIBRARY, "clserkiv");
+    const InstallerRecords records(record("recorded/../libraries"));
+    EXPECT_EQ("Test Grabbers#A\n", Probe().texts[0]) << "two ways to one folder";
 }
 
 TEST_F(CameraLink, ATemplateOfAMakerLetsOnlyHisCamerasThrough) {

@@ -4,7 +4,9 @@ Functions: the K_ names in the library, those declared under include/kiv, and th
 list is there so that an export cannot come or go without somebody writing it down. Everything else that is exported belongs to
 the GenICam classes which the C++ headers declare.
 
-    check_exports.py --nm NM --include DIR --expected FILE LIBRARY
+    check_exports.py (--nm NM | --objdump OBJDUMP --filt CXXFILT) --include DIR --expected FILE LIBRARY
+
+A DLL is read with --objdump: its functions stand in the table as plain names, without what a calling convention might add.
 """
 import argparse
 import pathlib
@@ -19,6 +21,14 @@ CLASSES = re.compile(
 OPERATORS = re.compile(r"^operator\W+\(.*(?:GenICam|GenApi)::")
 # The namespace of the library's own classes, which are nobody's business outside.
 INTERNAL = re.compile(r"\bGenICam::(?:Factory|Registry)::")
+
+
+def exported_by_dll(objdump, filt, library):
+    output = subprocess.run([objdump, "-p", library], check=True, capture_output=True, text=True).stdout
+    table = output.partition("[Ordinal/Name Pointer] Table")[2].partition("\n\n")[0]
+    names = re.findall(r"^\s*\[\s*\d+\]\s+(?:\+base\[\s*\d+\]\s+[0-9a-f]+\s+)?(\S+)$", table, re.MULTILINE)
+    readable = subprocess.run([filt], input="\n".join(names), check=True, capture_output=True, text=True).stdout
+    return set(readable.split("\n")) - {""}
 
 
 def exported(nm, library):
@@ -41,13 +51,18 @@ def report(title, names):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--nm", required=True)
+    parser.add_argument("--nm")
+    parser.add_argument("--objdump")
+    parser.add_argument("--filt")
     parser.add_argument("--include", required=True, type=pathlib.Path)
     parser.add_argument("--expected", required=True, type=pathlib.Path)
     parser.add_argument("library")
     options = parser.parse_args()
 
-    symbols = exported(options.nm, options.library)
+    if options.objdump:
+        symbols = exported_by_dll(options.objdump, options.filt, options.library)
+    else:
+        symbols = exported(options.nm, options.library)
     functions = {name for name in symbols if re.fullmatch(r"K_\w+", name)}
     others = {name for name in symbols - functions if not re.fullmatch(r"_(?:init|fini|end|edata|_bss_start)", name)}
     public = declared(options.include)

@@ -1,13 +1,10 @@
 // Where a camera's description comes from: its URL, the cache folder, archives, and texts that try to get out of the folder.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <filesystem>
 #include <future>
 
 #include "support/scripted_factory.h"
+#include "support/system/habits.h"
 
 namespace kiv_test {
 namespace {
@@ -122,25 +119,24 @@ TEST_F(Description, AFolderThatCannotBeWrittenIsAnIoError) {
 
 TEST_F(Description, FileUrlsNameFiles) {
     auto path = folder.Write("own files/camera.xml", scripted::camera_description);
-    std::string encoded = path;
+    std::string encoded = url_path(path);
     encoded.replace(encoded.find(' '), 1, "%20");
     EXPECT_STATUS(K_ST_SUCCESS, OpenAt("file://" + encoded));
     CloseCamera();
     EXPECT_STATUS(K_ST_SUCCESS, OpenAt("File:" + encoded + "?SchemaVersion=1.0.0"));
     CloseCamera();
-    EXPECT_STATUS(K_ST_GC_ERROR, OpenAt("file://" + folder.Path()));
+    EXPECT_STATUS(K_ST_GC_ERROR, OpenAt("file://" + url_path(folder.Path())));
 }
 
 TEST_F(Description, AFileUrlOfWhatIsNoFileDoesNotHang) {
-    auto pipe = folder.In("pipe.xml");
-    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
-    auto opening = std::async(std::launch::async, [&] { return OpenAt("file://" + pipe); });
+    BlockingFile pipe(folder.Path());
+    auto opening = std::async(std::launch::async, [&] { return OpenAt("file://" + pipe.Path()); });
     if (opening.wait_for(std::chrono::seconds(10)) != std::future_status::ready) {
         ADD_FAILURE() << "waits for somebody to write into the pipe";
-        close(open(pipe.c_str(), O_WRONLY | O_NONBLOCK));
+        pipe.LetGo();
     }
     EXPECT_NE(K_ST_SUCCESS, opening.get());
-    EXPECT_NE(K_ST_SUCCESS, OpenAt("file:///dev/zero"));
+    for (auto* endless : {"file:///dev/zero", "file:NUL", "file:CON"}) EXPECT_NE(K_ST_SUCCESS, OpenAt(endless)) << endless;
     EXPECT_EQ(nullptr, camera);
 }
 

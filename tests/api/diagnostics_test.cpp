@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fstream>
 
+#include <sstream>
 #include "support/debug_recorder.h"
 #include "support/expect_status.h"
 #include "support/temp_folder.h"
@@ -95,7 +96,8 @@ TEST(GetSdkInstallerVersion, ReadsTheFirstInstalledPackage) {
     ScopedEnvironment records("KIV_INSTALLER_REGISTRY", folder.In("records.reg"));
     const std::string codes = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\Installer\\UpgradeCodes\\",
                       products = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\Installer\\Products\\";
-    std::ofstream(folder.In("records.reg")) << "Windows Registry Editor Version 5.00\n\n"
+    std::ostringstream text;
+    text << "Windows Registry Editor Version 5.00\n\n"
                                             << codes << "EMPTY]\n\n"
                                             << codes << "FULL]\n\"P1\"=\"\"\n\n"
                                             << codes << "DANGLING]\n\"P2\"=\"\"\n\n"
@@ -126,3 +128,4 @@ TEST(GetSdkInstallerVersion, ReadsTheFirstInstalledPackage) {
 
 }  // namespace
 }  // namespace kiv_test
+    const InstallerRecords records(text.str());

@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "support/scripted_factory.h"
+#include "support/system/habits.h"
 
 namespace kiv_test {
 namespace {
@@ -144,7 +145,6 @@ TEST_F(Discovery, RepairsDoubledSeparatorsOfThePath) {
 }
 
 TEST_F(Discovery, AProducerThatIsNotThereIsLookedForAgain) {
-    namespace fs = std::filesystem;
     auto path = folder.In("late.cti");
     EXPECT_STATUS(K_ST_SUCCESS, Open({{key, path}}));
     EXPECT_EQ(Keys{}, Bound());
@@ -152,7 +152,7 @@ TEST_F(Discovery, AProducerThatIsNotThereIsLookedForAgain) {
     EXPECT_THAT(Report(0).sReason, HasSubstr("Library could not be loaded."));
     EXPECT_THAT(debug.Text(), HasSubstr("late.cti"));
 
-    fs::create_symlink(producer.Path(), path);
+    give_second_name(producer.Path(), path);
     EXPECT_STATUS(K_ST_SUCCESS, Update());
     EXPECT_EQ(Keys{key}, Bound());
 }

@@ -10,6 +10,7 @@
 #include <mutex>
 
 #include "support/scripted_factory.h"
+#include "support/system/process.h"
 
 namespace kiv_test {
 namespace {
@@ -18,14 +19,7 @@ class SimCameraTest : public SimCamera {
 protected:
     /// What a second process reads.
     std::string Peek(const std::string& id, const std::string& feature) {
-        auto command = std::string(KIV_PEEK) + " '" + folder.In("registry.xml") + "' '" + id + "' '" + feature + "'";
-        struct Close {
-            void operator()(std::FILE* pipe) const { pclose(pipe); }
-        };
-        std::unique_ptr<std::FILE, Close> pipe(popen(command.c_str(), "r"));
-        std::string text;
-        for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get())) text += static_cast<char>(c);
-        return text;
+        return Process::Talking(KIV_PEEK, {folder.In("registry.xml"), id, feature})->ReadLine();
     }
     K_STATUS_CODES Set(const char* feature, const char* text) { return K_Camera_SetValueString(camera, feature, text); }
     K_STATUS_CODES Execute(const char* feature) { return K_Camera_ExecuteCommand(camera, feature); }

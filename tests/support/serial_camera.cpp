@@ -1,16 +1,7 @@
 #include "support/serial_camera.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <termios.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <stdexcept>
-#include <utility>
 
 namespace kiv_test {
 namespace {
@@ -29,12 +20,6 @@ std::uint16_t sum_of(const SerialBytes& bytes, std::size_t from, std::size_t to)
     for (std::size_t i = from; i < to; i += 2) sum += bytes[i] * 256u + (i + 1 < to ? bytes[i + 1] : 0u);
     while (sum >> 16 != 0) sum = (sum & 0xFFFF) + (sum >> 16);
     return static_cast<std::uint16_t>(0xFFFF - sum);
-}
-
-speed_t speed_of(unsigned rate) {
-    static const std::map<unsigned, speed_t> speeds{{9600, B9600},     {19200, B19200},   {38400, B38400},   {57600, B57600},
-                                                    {115200, B115200}, {230400, B230400}, {460800, B460800}, {921600, B921600}};
-    return speeds.at(rate);
 }
 
 }  // namespace
@@ -68,25 +53,12 @@ SerialCamera::SerialCamera() {
     SetNumber(0x1D8, kOwnRegisters, 8);
     SetNumber(kOwnRegisters, 0x11, 4);
     SetRate(9600, 0x01);
-    master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) throw std::runtime_error("no pseudo-terminal");
-    path_ = ptsname(master_);
-    // While one near end is open the far end lives, whatever the others do.
-    keeper_ = open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    termios settings{};
-    tcgetattr(keeper_, &settings);
-    cfmakeraw(&settings);
-    tcsetattr(keeper_, TCSANOW, &settings);
-    stop_ = eventfd(0, EFD_CLOEXEC);
     thread_ = std::thread([this] { Run(); });
 }
 
 SerialCamera::~SerialCamera() {
-    const std::uint64_t one = 1;
-    if (write(stop_, &one, sizeof one) != sizeof one) std::abort();
+    line_.Stop();
     thread_.join();
-    for (const int number : {master_, keeper_, stop_})
-        if (number >= 0) close(number);
 }
 
 void SerialCamera::SetManners(Manners manners) {
@@ -114,8 +86,7 @@ void SerialCamera::SetNumber(std::uint64_t address, std::uint64_t number, std::s
 
 void SerialCamera::SetRate(unsigned rate, std::uint32_t bit) {
     SetNumber(kOwnRegisters + 4, bit, 4);
-    std::lock_guard guard(settings_lock_);
-    speed_code_ = speed_of(rate);
+    line_.SetRate(rate);
 }
 
 std::vector<SerialCommand> SerialCamera::Commands() const {
@@ -128,31 +99,18 @@ std::size_t SerialCamera::BytesHeard() const {
     return bytes_heard_;
 }
 
-bool SerialCamera::Tuned() const {
-    termios settings{};
-    return tcgetattr(master_, &settings) == 0 && cfgetospeed(&settings) == speed_code_;
-}
-
 void SerialCamera::Run() {
-    for (;;) {
-        std::array<pollfd, 2> watched{{{stop_, POLLIN, 0}, {master_, POLLIN, 0}}};
-        if (poll(watched.data(), watched.size(), -1) < 0) continue;
-        if (watched[0].revents != 0) return;
-        SerialBytes bytes(256);
-        const ssize_t count = read(master_, bytes.data(), bytes.size());
-        if (count <= 0) return;
-        bytes.resize(static_cast<std::size_t>(count));
+    for (SerialBytes bytes = line_.Read(); !bytes.empty(); bytes = line_.Read()) {
         {
             std::lock_guard guard(lock_);
             bytes_heard_ += bytes.size();
         }
         std::lock_guard guard(settings_lock_);
-        if (Tuned()) Hear(bytes);
-        if (master_ < 0) return;
+        if (line_.IsTuned() && !Hear(bytes)) return;
     }
 }
 
-void SerialCamera::Hear(const SerialBytes& bytes) {
+bool SerialCamera::Hear(const SerialBytes& bytes) {
     heard_.insert(heard_.end(), bytes.begin(), bytes.end());
     for (SerialCommand command; TakeCommand(command);) {
         {
@@ -162,16 +120,12 @@ void SerialCamera::Hear(const SerialBytes& bytes) {
         }
         const SerialBytes proper = ProperAnswer(command);
         const SerialReply reply = manners_ ? manners_(command, proper) : SerialReply{proper};
-        for (std::size_t sent = 0; sent < reply.bytes.size();) {
-            const ssize_t count = write(master_, reply.bytes.data() + sent, reply.bytes.size() - sent);
-            if (count <= 0) return;
-            sent += static_cast<std::size_t>(count);
-        }
+        if (!line_.Write(reply.bytes)) return false;
         if (!reply.hang_up) continue;
-        close(std::exchange(keeper_, -1));
-        close(std::exchange(master_, -1));
-        return;
+        line_.HangUp();
+        return false;
     }
+    return true;
 }
 
 bool SerialCamera::TakeCommand(SerialCommand& command) {

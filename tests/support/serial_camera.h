@@ -1,4 +1,4 @@
-/// A camera on the far end of a serial line: a pseudo-terminal, and a thread that answers the GenICam control protocol on it.
+/// A camera on the far end of a serial line: and a thread that answers the GenICam control protocol on it.
 ///
 /// Written apart from the library's own protocol code, so that a fault there is not repeated here. It is deaf while the line's
 /// rate is not its own, as a real one is.
@@ -12,9 +12,9 @@
 #include <thread>
 #include <vector>
 
-namespace kiv_test {
+#include "support/system/serial_line.h"
 
-using SerialBytes = std::vector<std::uint8_t>;
+namespace kiv_test {
 
 struct SerialCommand {
     std::uint16_t flags = 0, id = 0, request = 0;
@@ -47,7 +47,7 @@ public:
     SerialCamera& operator=(const SerialCamera&) = delete;
 
     /// What the system calls the near end of the line.
-    const std::string& Path() const { return path_; }
+    const std::string& Path() const { return line_.Path(); }
 
     // Before the probe begins.
     void SetManners(Manners manners);
@@ -63,15 +63,14 @@ public:
 
 private:
     void Run();
-    void Hear(const SerialBytes& bytes);
+    /// False when the line is dead.
+    bool Hear(const SerialBytes& bytes);
     bool TakeCommand(SerialCommand& command);
     SerialBytes ProperAnswer(const SerialCommand& command);
-    bool Tuned() const;
 
-    std::mutex settings_lock_;  // for the next three; held while a command is answered
+    std::mutex settings_lock_;  // for the next two; held while a command is answered
     std::map<std::uint64_t, SerialBytes> memory_;
     Manners manners_;
-    unsigned speed_code_;
 
     SerialBytes heard_;
     std::uint16_t last_request_ = 0;
@@ -81,8 +80,7 @@ private:
     std::vector<SerialCommand> commands_;  // under lock_
     std::size_t bytes_heard_ = 0;          // under lock_
 
-    int master_ = -1, keeper_ = -1, stop_ = -1;
-    std::string path_;
+    SerialLine line_;
     std::thread thread_;
 };
 

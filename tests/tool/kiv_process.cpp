@@ -1,17 +1,10 @@
 #include "kiv_process.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <filesystem>
-#include <stdexcept>
 #include <thread>
 
-extern char** environ;
+#include "support/system/habits.h"
 
 namespace tool_test {
 namespace {
@@ -19,33 +12,10 @@ namespace {
 /// The test's environment without what would let a user's own cameras and settings into it.
 Words bare_environment() {
     Words result;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string text = *entry;
+    for (const std::string& text : kiv_test::own_variables())
         if (text.rfind("KIV_", 0) != 0 && text.rfind("GENICAM_", 0) != 0 && text.rfind("COLUMNS=", 0) != 0)
             result.push_back(text);
-    }
     return result;
-}
-
-std::vector<char*> pointers(Words& words) {
-    std::vector<char*> result;
-    for (std::string& word : words) result.push_back(word.data());
-    result.push_back(nullptr);
-    return result;
-}
-
-pid_t spawn(Words words, Words variables, const std::string& out, const std::string& err) {
-    words.insert(words.begin(), KIV_TOOL);
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_addopen(&files, STDERR_FILENO, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    pid_t process = -1;
-    const int error = posix_spawn(&process, KIV_TOOL, &files, nullptr, pointers(words).data(), pointers(variables).data());
-    posix_spawn_file_actions_destroy(&files);
-    if (error != 0) throw std::runtime_error("kiv cannot be started");
-    return process;
 }
 
 const nlohmann::json kCameras = nlohmann::json::parse(R"([
@@ -56,35 +26,24 @@ const nlohmann::json kCameras = nlohmann::json::parse(R"([
 
 }  // namespace
 
-Running::~Running() {
-    if (process_ <= 0) return;
-    kill(process_, SIGKILL);
-    waitpid(process_, nullptr, 0);
-}
-
-void Running::PressCtrlC() const { kill(process_, SIGINT); }
-
 Result Running::Wait() {
-    int status = 0;
-    waitpid(process_, &status, 0);
-    process_ = -1;
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), kiv_test::read_file(out_),
-            kiv_test::read_file(err_)};
+    const int exit = process_->Wait();
+    return {exit, kiv_test::read_file(out_), kiv_test::read_file(err_)};
 }
 
 Bench::Bench() : variables_(bare_environment()) {
     SetCameras(kCameras);
     SetVariable("KIV_SIM_CONFIG", In("cameras.json"));
     SetVariable("KIV_SIM_STATE", In("state"));
-    SetVariable("XDG_CACHE_HOME", In("cache"));
+    SetVariable(kiv_test::cache_variable, In("cache"));
 }
 
 Result Bench::Kiv(const Words& arguments) { return Start(arguments)->Wait(); }
 
 std::unique_ptr<Running> Bench::Start(const Words& arguments) {
     const std::string name = In("run" + std::to_string(++runs_));
-    const pid_t process = spawn(arguments, variables_, name + ".out", name + ".err");
-    return std::make_unique<Running>(process, name + ".out", name + ".err");
+    return std::make_unique<Running>(kiv_test::Process::Writing(KIV_TOOL, arguments, variables_, name + ".out", name + ".err"),
+                                     name + ".out", name + ".err");
 }
 
 void Bench::SetCameras(const nlohmann::json& interfaces) const {

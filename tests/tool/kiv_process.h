@@ -1,14 +1,13 @@
 /// Running kiv: a bench with simulated cameras, and what a run printed and returned.
 #pragma once
 
-#include <sys/types.h>
-
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "support/system/process.h"
 #include "support/temp_folder.h"
 
 namespace tool_test {
@@ -27,16 +26,14 @@ struct Result {
 /// A kiv that runs beside the test. The destructor ends it, whatever state it is in.
 class Running {
 public:
-    Running(pid_t process, std::string out, std::string err) : process_(process), out_(std::move(out)), err_(std::move(err)) {}
-    ~Running();
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
+    Running(std::unique_ptr<kiv_test::Process> process, std::string out, std::string err)
+        : process_(std::move(process)), out_(std::move(out)), err_(std::move(err)) {}
 
-    void PressCtrlC() const;
+    void PressCtrlC() const { process_->Interrupt(); }
     Result Wait();
 
 private:
-    pid_t process_;
+    std::unique_ptr<kiv_test::Process> process_;
     std::string out_, err_;
 };
 

@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 #include <kiv/platform/debug_output.h>
-#include <kiv/platform/environment.h>
 #include <kiv/platform/event.h>
 
 #include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "child_process.h"
 
 using namespace kiv::platform;
 
@@ -87,16 +84,6 @@ TEST_F(DebugOutput, ThreadsMayPrintWhileTheSinkChanges) {
     }
     stop = true;
     for (std::thread& thread : threads) thread.join();
-}
-
-TEST_F(DebugOutput, GoesToStandardErrorOnlyWhenAskedFor) {
-    unset_environment("KIV_DEBUG_OUTPUT");
-    EXPECT_EQ("", kiv::test::ChildProcess({"print", "text"}).ReadLine());
-    set_environment("KIV_DEBUG_OUTPUT", "1");
-    kiv::test::ChildProcess child({"print", "text"});
-    EXPECT_EQ("text", child.ReadLine());
-    EXPECT_EQ("wide \xC3\xA4", child.ReadLine());
-    unset_environment("KIV_DEBUG_OUTPUT");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <kiv/platform/event.h>
 #include <kiv/platform/paths.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <string>
@@ -20,7 +19,9 @@ constexpr Milliseconds at_once{0};
 constexpr Milliseconds patience{20'000};
 constexpr int not_there = 3;
 
-std::string own_name(const std::string& what) { return "Test/Event " + what + " " + std::to_string(getpid()); }
+std::string own_name(const std::string& what) {
+    return "Test/Event " + what + " " + std::to_string(kiv_test::own_process_number());
+}
 
 TEST(NamedEvent, LivesAsLongAsSomebodyHoldsIt) {
     const std::string name = own_name("life");
@@ -119,7 +120,8 @@ TEST(NamedEvent, MakersAndClosersAtOnceAgreeOnTheName) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(0, lost);
     for (const auto& entry : std::filesystem::directory_iterator(user_runtime_folder()))
-        EXPECT_EQ(std::string::npos, entry.path().string().find(std::to_string(getpid()))) << "left behind: " << entry.path();
+        EXPECT_EQ(std::string::npos, entry.path().string().find(std::to_string(kiv_test::own_process_number())))
+            << "left behind: " << entry.path();
 }
 
 TEST(NamedEvent, StrangeNamesAreNamesAndNotPaths) {

@@ -2,10 +2,9 @@
 #pragma once
 
 #include <kiv/platform/paths.h>
-#include <unistd.h>
 
-#include <atomic>
 #include <filesystem>
+#include <random>
 #include <string>
 
 namespace kiv::test {
@@ -13,10 +12,9 @@ namespace kiv::test {
 class TemporaryFolder {
 public:
     TemporaryFolder() {
-        static std::atomic<unsigned> made{0};
-        path_ = std::filesystem::temp_directory_path() / ("kiv-test-" + std::to_string(getpid()) + "-" + std::to_string(made++));
-        std::filesystem::remove_all(path_);
-        std::filesystem::create_directory(path_);
+        static std::random_device random;
+        do path_ = std::filesystem::temp_directory_path() / ("kiv-test-" + std::to_string(random()));
+        while (!std::filesystem::create_directory(path_));
     }
     ~TemporaryFolder() {
         std::error_code ignored;

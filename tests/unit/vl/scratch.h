@@ -3,12 +3,12 @@
 
 #include <VL.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -63,9 +63,9 @@ inline K_IMAGE_INFO record(std::uint64_t code, std::uint32_t width, std::uint32_
 class ScratchFolder {
 public:
     ScratchFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "vl_test_XXXXXX").string();
-        EXPECT_NE(mkdtemp(pattern.data()), nullptr);
-        path_ = pattern;
+        static std::random_device random;
+        do path_ = std::filesystem::temp_directory_path() / ("vl_test_" + std::to_string(random()));
+        while (!std::filesystem::create_directory(path_));
     }
     ~ScratchFolder() { std::filesystem::remove_all(path_); }
     ScratchFolder(const ScratchFolder&) = delete;

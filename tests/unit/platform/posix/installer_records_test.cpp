@@ -2,7 +2,7 @@
 #include <kiv/platform/environment.h>
 #include <kiv/platform/installer_records.h>
 
-#include "temporary_folder.h"
+#include "../temporary_folder.h"
 
 using namespace kiv::platform;
 

@@ -12,8 +12,8 @@
 
 #include <thread>
 
+#include "../temporary_folder.h"
 #include "posix/file_descriptor.h"
-#include "temporary_folder.h"
 
 using namespace kiv::platform;
 

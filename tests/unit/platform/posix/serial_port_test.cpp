@@ -9,7 +9,7 @@
 #include <numeric>
 #include <system_error>
 
-#include "temporary_folder.h"
+#include "../temporary_folder.h"
 
 using namespace kiv::platform;
 using namespace std::chrono_literals;

@@ -1,0 +1,26 @@
+#include "support/system/habits.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace kiv_test {
+
+std::string no_such_file() { return "No such file"; }
+std::string no_such_library() { return "No such file"; }
+void give_second_name(const std::string& file, const std::string& name) { std::filesystem::create_symlink(file, name); }
+
+BlockingFile::BlockingFile(const std::string& folder) : path_(folder + "/pipe.xml") {
+    if (mkfifo(path_.c_str(), 0600) != 0) throw std::runtime_error("no pipe");
+}
+BlockingFile::~BlockingFile() = default;
+void BlockingFile::LetGo() { close(open(path_.c_str(), O_WRONLY | O_NONBLOCK)); }
+
+std::string url_path(const std::string& path) { return path; }
+const char* const library_suffix = ".so";
+const char* const cache_variable = "XDG_CACHE_HOME";
+
+}  // namespace kiv_test
