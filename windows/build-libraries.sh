@@ -153,8 +153,17 @@ xerces() { # its samples and tests ask for headers by names that only Windows fi
 
 log4cpp() { # its header makes int64_t a macro unless told that there is one; whoever includes it needs the same definitions
   fetch_upstream log4cpp
-  cmake_build log4cpp "$sources/log4cpp" -DBUILD_SHARED_LIBS=ON \
-    "-DCMAKE_CXX_FLAGS=-D_WIN32_WINNT=0x0A00 -DLOG4CPP_HAVE_INT64_T=1 -Din_addr_t=u_long"
+  cmake_build log4cpp "$sources/log4cpp" "-DCMAKE_CXX_FLAGS=-D_WIN32_WINNT=0x0A00 -DLOG4CPP_HAVE_INT64_T=1 -Din_addr_t=u_long"
+  # As a DLL its own build knows the options of another maker's linker only. It shows its own names and nothing of the C++ runtime,
+  # of which every program here has one inside.
+  local names=$work/log4cpp.def
+  x86_64-w64-mingw32-nm --defined-only --extern-only "$prefix/lib/liblog4cpp.a" |
+    awk 'BEGIN {print "EXPORTS"} $3 ~ /^_ZT[VIS]N7log4cpp/ || ($3 ~ /^_ZNK?7log4cpp/ && $2 !~ /[TtWw]/) {print $3 " DATA"; next}
+      $3 ~ /^_ZNK?7log4cpp/ {print $3}' | sort -u >"$names"
+  mkdir -p "$prefix/bin"
+  x86_64-w64-mingw32-g++-posix -shared -static -s -o "$prefix/bin/log4cpp.dll" -Wl,--whole-archive "$prefix/lib/liblog4cpp.a" \
+    -Wl,--no-whole-archive "$names" -Wl,--out-implib,"$prefix/lib/liblog4cpp.dll.a" -lws2_32 -ladvapi32
+  rm "$prefix/lib/liblog4cpp.a"
 }
 
 libzip() {
@@ -181,10 +190,10 @@ opencv() {
     -DCPU_DISPATCH= $(all_off WITH FFMPEG GSTREAMER MSMF DSHOW WIN32UI OPENCL DIRECTX IPP ITT TBB OPENMP EIGEN LAPACK PROTOBUF QUIRC \
       ADE OPENEXR WEBP JASPER OPENJPEG GDAL VTK PNG JPEG TIFF) \
     $(all_off BUILD TESTS PERF_TESTS EXAMPLES opencv_apps DOCS JAVA opencv_python2 opencv_python3 ZLIB)
-  # By the names that they have elsewhere: without the version, in the usual folder.
+  # By the names that they have elsewhere, which say no version.
   local library
   for library in core imgproc photo; do
-    mv "$prefix"/x64/mingw/staticlib/libopencv_${library}[0-9]*.a "$prefix/lib/libopencv_$library.a"
+    mv "$prefix/lib/libopencv_$library"[0-9]*.a "$prefix/lib/libopencv_$library.a"
   done
 }
 
@@ -194,10 +203,16 @@ sdl2() {
   cmake_build sdl2 "$sources/libsdl2" -DSDL_STATIC=ON $(all_off SDL TEST AUDIO JOYSTICK HAPTIC SENSOR HIDAPI POWER VULKAN OPENGLES SHARED)
 }
 
-say "building the libraries in $prefix (once; some eight minutes on two processors)"
-prepare_apt
-# In this order: libzip, png, tiff and opencv need what stands before them.
-for library in headers_only zlib googletest pugixml libzip png jpeg tiff log4cpp xerces sdl2 opencv; do $library; done
-rm -rf "${work:?}"
-touch "$prefix/.complete"
-echo "$prefix"
+build_all() {
+  say "building the libraries in $prefix (once; some eight minutes on two processors)"
+  prepare_apt
+  # In this order: libzip, png, tiff and opencv need what stands before them.
+  local library
+  for library in headers_only zlib googletest pugixml libzip png jpeg tiff log4cpp xerces sdl2 opencv; do $library; done
+  rm -rf "${work:?}"
+  touch "$prefix/.complete"
+  echo "$prefix"
+}
+
+build_all
+exit

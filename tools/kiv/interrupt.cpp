@@ -17,6 +17,9 @@ extern "C" void remember_interrupt(int signal) {
 void catch_interrupts() {
     std::signal(SIGINT, remember_interrupt);
     std::signal(SIGTERM, remember_interrupt);
+#ifdef SIGBREAK
+    std::signal(SIGBREAK, remember_interrupt);  // Ctrl-Break, of the consoles that have such a key
+#endif
 }
 
 bool is_interrupted() { return interrupted != 0; }

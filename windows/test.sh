@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Cross-builds everything for 64-bit Windows and runs the test programs in Wine, without a display. ./run windows installs what it needs
+# and calls it.
+#
+#   windows/test.sh [arguments of ctest...]
+#
+# Ends with 0 when no test failed, with 3 when it could not be tried because a source package is not to be had, else with 1.
+set -uo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+cd "$here/.."
+
+build=build/windows
+say() { echo "windows: $*"; }
+
+start=$SECONDS
+libraries=$("$here/build-libraries.sh") || exit
+KIV_MINGW_DEPS=$(tail -n 1 <<<"$libraries")
+export KIV_MINGW_DEPS
+say "libraries ready after $((SECONDS - start)) s"
+
+cmake --preset windows >"$KIV_MINGW_DEPS/../configure.log" || exit 1
+cmake --build --preset windows || exit 1
+say "built after $((SECONDS - start)) s"
+
+. "$here/wine.sh"
+trap wine_stop EXIT
+wine_start || {
+  say "Wine does not start; see $WINEPREFIX/log"
+  exit 1
+}
+. "$here/serial-lines.sh"
+# Where Windows looks for the DLLs of programs that stand elsewhere.
+WINEPATH="Z:$(pwd | tr / '\\')\\build\\windows\\bin"
+export WINEPATH
+ctest --test-dir $build -j "$(nproc)" --output-junit results.xml --output-on-failure "$@"
+python3 "$here/summary.py" $build/results.xml
+result=$?
+say "done after $((SECONDS - start)) s"
+exit $result
