@@ -63,6 +63,15 @@ Queue input, ready;
 bool killed = false;
 std::uint64_t next_id = 0;
 StubControl control;
+std::array<std::byte, StubControl::register_bytes> registers;
+
+/// The place of a transfer in the registers; null when it lies elsewhere.
+std::byte* register_at(std::uint64_t address, std::size_t size) {
+    const auto offset = address - StubControl::register_base;
+    return address >= StubControl::register_base && offset <= registers.size() && size <= registers.size() - offset
+               ? registers.data() + offset
+               : nullptr;
+}
 
 template <class Value>
 GC_ERROR give(Value value, void* buffer, std::size_t* size) {
@@ -141,13 +150,17 @@ GC_API GCGetPortURL(PORT_HANDLE handle, char* url, size_t* size) {
     return GCGetPortURLInfo(handle, 0, URL_INFO_URL, &type, url, size);
 }
 GC_API GCReadPort(PORT_HANDLE handle, uint64_t address, void* buffer, size_t* size) {
+    if (const auto* from = register_at(address, *size)) return std::memcpy(buffer, from, *size), GC_ERR_SUCCESS;
     auto& xml = static_cast<Module*>(handle)->xml;
     if (address < 0x10000 || address - 0x10000 > xml.size() || *size > xml.size() - (address - 0x10000))
         return GC_ERR_INVALID_ADDRESS;
     std::memcpy(buffer, xml.data() + (address - 0x10000), *size);
     return GC_ERR_SUCCESS;
 }
-GC_API GCWritePort(PORT_HANDLE, uint64_t, const void*, size_t*) { return GC_ERR_ACCESS_DENIED; }
+GC_API GCWritePort(PORT_HANDLE, uint64_t address, const void* buffer, size_t* size) {
+    auto* to = register_at(address, *size);
+    return to ? (std::memcpy(to, buffer, *size), GC_ERR_SUCCESS) : GC_ERR_ACCESS_DENIED;
+}
 
 GC_API GCRegisterEvent(EVENTSRC_HANDLE, EVENT_TYPE, EVENT_HANDLE* handle) { return *handle = &input, GC_ERR_SUCCESS; }
 GC_API GCUnregisterEvent(EVENTSRC_HANDLE, EVENT_TYPE) { return GC_ERR_SUCCESS; }
@@ -192,6 +205,8 @@ static void post() {
     }
     came.notify_one();
 }
+
+static void describe(const char* nodes) { remote.xml = description("Device", camera_nodes + nodes); }
 
 static void wake() {
     std::lock_guard guard(lock);
@@ -264,6 +279,7 @@ GC_API DSGetBufferChunkData(DS_HANDLE, BUFFER_HANDLE handle, SINGLE_CHUNK_DATA* 
 __attribute__((visibility("default"))) StubControl* Stub_Control() {
     control.post = post;
     control.wake = wake;
+    control.describe = describe;
     return &control;
 }
 

@@ -33,6 +33,10 @@ struct StubControl {
     /// Wakes a consumer that waits, after `frames` was raised.
     void (*wake)() = nullptr;
     std::atomic<std::uint64_t> delivered{0};  // buffers handed to the consumer
+    /// Nodes that the camera's description has besides its own, from the next opening on. Their registers may lie in the memory
+    /// from `register_base` on.
+    void (*describe)(const char* nodes) = nullptr;
+    static constexpr std::uint64_t register_base = 0x1000'0000, register_bytes = 1 << 20;
 };
 
 }  // namespace kiv::bench

@@ -26,6 +26,8 @@ double thread_cpu_time() {
 
 double wall_time() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
+static constexpr const char* camera_id = "TL=>STUB , INT=>IF0 , DEV=>CAM0";
+
 struct StubSession::Module {
     platform::DynamicLibrary library{KIV_STUB_PRODUCER};
 };
@@ -40,7 +42,14 @@ StubSession::StubSession() : module_(std::make_unique<Module>()) {
     bool changed = false;
     CHECK(K_Factory_UpdateCameraList(factory_, &changed));
     std::filesystem::remove(registry);
-    CHECK(K_Camera_Open_Proxy(factory_, "TL=>STUB , INT=>IF0 , DEV=>CAM0", &camera_));
+    CHECK(K_Camera_Open_Proxy(factory_, camera_id, &camera_));
+}
+
+void StubSession::Describe(const std::string& nodes) {
+    K_Camera_Close(camera_);
+    camera_ = nullptr;
+    control_->describe(nodes.c_str());
+    CHECK(K_Camera_Open_Proxy(factory_, camera_id, &camera_));
 }
 
 StubSession::~StubSession() {

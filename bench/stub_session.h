@@ -29,6 +29,8 @@ public:
 
     StubControl& Control() { return *control_; }
     CAM_HANDLE Camera() const { return camera_; }
+    /// Opens the camera anew, with other nodes in its description.
+    void Describe(const std::string& nodes);
 
 private:
     struct Module;
