@@ -14,8 +14,6 @@ namespace {
 
 constexpr std::uint32_t longest_side = 65535;
 constexpr std::uint64_t most_bytes = std::uint64_t{2} << 30;
-constexpr std::size_t cache_line = 64;
-constexpr std::size_t large_image = 64 * 1024;
 
 constexpr std::uint64_t types[] = {VL_IMAGE_MONO8, VL_IMAGE_MONO16, VL_IMAGE_BGR8, VL_IMAGE_BGR16, VL_IMAGE_BGRA8};
 
@@ -64,12 +62,10 @@ Image Image::Dib(std::uint32_t width, std::uint32_t height, std::uint64_t type) 
 
 void Image::Allocate(std::size_t bytes) {
     // calloc takes large images from the system, whose pages are 0 already; clearing them again would cost as much as a
-    // conversion. It puts them 16 bytes behind the beginning of a page, where every second wide store crosses a cache line.
-    const std::size_t spare = bytes < large_image ? 0 : cache_line;
-    owned_.reset(static_cast<std::uint8_t*>(std::calloc(bytes + spare, 1)));  // NOLINT
+    // conversion.
+    owned_.reset(static_cast<std::uint8_t*>(std::calloc(bytes, 1)));  // NOLINT
     if (!owned_) throw std::bad_alloc();
-    const auto beyond = reinterpret_cast<std::uintptr_t>(owned_.get()) % cache_line;
-    memory_ = owned_.get() + (spare == 0 || beyond == 0 ? 0 : cache_line - beyond);
+    memory_ = owned_.get();
     memory_size_ = bytes;
 }
 
