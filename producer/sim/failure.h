@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "GenTL/GenTL.h"
+#include "call_log.h"
 
 namespace kivsim {
 
@@ -31,23 +32,31 @@ GC_ERROR record_current_exception() noexcept;
 /// Throws when that function was asked to fail for the camera behind the handle, or for all. Waits when it shall be late.
 void meet_faults(const char* entry, const void* handle);
 
-/// The body of every exported function but GCGetLastError, whose own failures are not remembered. `handle`: its first argument,
-/// when that is one.
-template <typename Body>
-GC_ERROR guarded(const char* entry, const void* handle, Body&& body) noexcept {
-    try {
-        meet_faults(entry, handle);
-        body();
-        return GenTL::GC_ERR_SUCCESS;
-    } catch (...) {
-        return record_current_exception();
-    }
-}
-
 struct LastError {
     GC_ERROR code;
     std::string_view text;  ///< terminated; valid on this thread until its next failure
 };
 LastError last_error() noexcept;
+
+/// The body of every exported function but GCGetLastError, whose own failures are not remembered. `handle`: its first argument,
+/// when that is one.
+template <typename Body>
+GC_ERROR guarded(const char* entry, const void* handle, Body&& body) noexcept {
+    const auto run = [&]() noexcept -> GC_ERROR {
+        try {
+            meet_faults(entry, handle);
+            body();
+            return GenTL::GC_ERR_SUCCESS;
+        } catch (...) {
+            return record_current_exception();
+        }
+    };
+    if (!CallLog::TellsCalls()) [[likely]]
+        return run();
+    const auto begin = std::chrono::steady_clock::now();
+    const GC_ERROR status = run();
+    CallLog::Call(entry, handle, status, last_error().text.data(), std::chrono::steady_clock::now() - begin);
+    return status;
+}
 
 }  // namespace kivsim

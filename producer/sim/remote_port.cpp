@@ -42,6 +42,8 @@ void RemotePort::Read(uint64_t address, std::span<std::byte> out) {
         status = device->Present().Read(address, out.data(), out.size());
     }
     check(status, device->Entry().id, "read", address, out.size());
+    if (CallLog::TellsTransfers()) [[unlikely]]
+        CallLog::Transfer(device->Entry().id, "read", address, out);
 }
 
 void RemotePort::Write(uint64_t address, std::span<const std::byte> in) {
@@ -53,6 +55,8 @@ void RemotePort::Write(uint64_t address, std::span<const std::byte> in) {
         meet_register_fault(camera, *device->Entry().state);
         status = device->Present().Write(address, in.data(), in.size());
     }
+    if (CallLog::TellsTransfers()) [[unlikely]]
+        CallLog::Transfer(device->Entry().id, "write", address, in);
     check(status, device->Entry().id, "write", address, in.size());
     device->RegistersWritten(address, in.size());
 }

@@ -67,6 +67,7 @@ void begin_session() {
     const std::scoped_lock guard(state.lock);
     if (state.session) fail(GenTL::GC_ERR_RESOURCE_IN_USE, "GCInitLib was called already");
     state.session = std::make_shared<Session>();
+    CallLog::Open(state.session->module_name);
 }
 
 void end_session() {
@@ -80,6 +81,7 @@ void end_session() {
     ended->Release();
     const std::scoped_lock guard(ended->tree);
     if (const auto system = ended->system) system->Close();
+    CallLog::Close();
 }
 
 std::shared_ptr<Session> current_session() {
