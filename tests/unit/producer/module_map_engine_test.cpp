@@ -1,4 +1,4 @@
-// The same node maps in the node map engine, as applications use them.
+// The node maps of the modules in the node map engine, as applications use them.
 
 #include "engine_map.h"
 
@@ -14,6 +14,7 @@ TEST_F(EngineMap, EveryReadableValueCanBeRead) {
         {system, "TLPort"}, {interface, "InterfacePort"}, {device, "DevicePort"}, {stream, "StreamPort"}, {camera, "Device"}};
     for (const auto& [handle, name] : ports) {
         ASSERT_NO_FATAL_FAILURE(Load(handle, name));
+        EXPECT_THAT(genapi::description_faults(*map), testing::IsEmpty()) << name;
         GenApi::NodeList_t nodes;
         map->GetNodes(nodes);
         int read = 0;
@@ -41,6 +42,23 @@ TEST_F(EngineMap, ListsFollowTheirCommandAndSelector) {
     EXPECT_ANY_THROW(selector.SetValue(2));
     EXPECT_EQ("Custom", Text("TLType"));
     EXPECT_EQ(GenApi::RO, Access("TLType"));
+}
+
+TEST_F(EngineMap, TheDeviceIsKnownToItsInterfaceAndRemembersItsName) {
+    ASSERT_NO_FATAL_FAILURE(OpenInterface());
+    ASSERT_NO_FATAL_FAILURE(Load(interface, "InterfacePort"));
+    Node<GenApi::ICommand>("DeviceUpdateList").Execute();
+    Node<GenApi::IInteger>("DeviceSelector").SetValue(1);
+    EXPECT_EQ("SIM0_SLOW", Text("DeviceID"));
+    EXPECT_EQ("ReadWrite", Text("DeviceAccessStatus"));
+    ASSERT_NO_FATAL_FAILURE(OpenDevice("SIM0_SLOW"));
+    EXPECT_EQ("OpenReadWrite", Text("DeviceAccessStatus")) << "values are live";
+    ASSERT_NO_FATAL_FAILURE(Load(device, "DevicePort"));
+    Node<GenApi::IString>("DeviceUserID").SetValue("on the lathe");
+    char name[64];
+    size_t size = sizeof name;
+    EXPECT_EQ(GC_ERR_SUCCESS, gentl.GCReadPort(camera, camera_register::user_name, name, &size));
+    EXPECT_STREQ("on the lathe", name);
 }
 
 TEST_F(EngineMap, ValuesAreNotRemembered) {
