@@ -72,8 +72,6 @@ protected:
     std::map<std::string, pugi::xml_node> nodes;
 };
 
-bool is_reference(const std::string& element) { return element.size() > 1 && element[0] == 'p' && std::isupper(element[1]); }
-
 TEST_F(Description, IsTheSameZippedPlainAndAsAFile) {
     const auto plain = FetchPlain();
     ASSERT_TRUE(plain.starts_with("<?xml"));
@@ -106,31 +104,6 @@ TEST_F(Description, CarriesTheModelAndTheSchema) {
     EXPECT_STREQ("C5_Mega_Cam", root.attribute("ModelName").value());
     EXPECT_STREQ("http://www.genicam.org/GenApi/Version_1_1", root.attribute("xmlns").value());
     EXPECT_EQ(36U, std::strlen(root.attribute("ProductGuid").value()));
-}
-
-TEST_F(Description, EveryReferenceHasItsNodeAndEveryFeatureItsPlace) {
-    Load();
-    EXPECT_GE(nodes.size(), 250U);
-    std::set<std::string> kinds, in_categories;
-    for (const auto& [name, node] : nodes) {
-        kinds.insert(node.name());
-        for (const auto& child : node.children()) {
-            if (!is_reference(child.name())) continue;
-            EXPECT_TRUE(nodes.contains(child.text().get())) << name << ": " << child.name() << " " << child.text().get();
-            if (std::string(child.name()) == "pFeature") in_categories.insert(child.text().get());
-        }
-        for (const auto& entry : node.children("EnumEntry"))
-            for (const auto& child : entry.children())
-                EXPECT_TRUE(!is_reference(child.name()) || nodes.contains(child.text().get())) << name;
-    }
-    for (const char* kind :
-         {"Category", "Integer", "IntReg", "MaskedIntReg", "StructEntry", "IntSwissKnife", "IntConverter", "Float", "FloatReg",
-          "SwissKnife", "Converter", "Boolean", "Command", "Enumeration", "StringReg", "Register", "Port"})
-        EXPECT_TRUE(kinds.contains(kind)) << kind;
-    for (const auto& [name, node] : nodes) {
-        if (!node.child("ToolTip") || std::string(node.child_value("Visibility")) == "Invisible") continue;
-        EXPECT_TRUE(in_categories.contains(name) || name == "Root") << name << " is shown nowhere";
-    }
 }
 
 TEST_F(Description, RegistersLieWhereTheCameraHasThem) {

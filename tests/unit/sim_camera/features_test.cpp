@@ -55,35 +55,6 @@ protected:
     CNodeMapRef map{"Device"};
 };
 
-TEST_F(Features, EveryNodeCanBeReadAndHasItsValueInItsLimits) {
-    for (bool color : {false, true}) {
-        config.color = color;
-        config.serial = color ? "C" : "M";
-        map._Destroy();
-        Connect();
-        NodeList_t nodes;
-        map._GetNodes(nodes);
-        size_t values = 0;
-        for (auto* node : nodes) {
-            const std::string name = node->GetName().c_str();
-            auto* value = dynamic_cast<IValue*>(node);
-            if (!value || !IsReadable(node->GetAccessMode())) continue;
-            ++values;
-            EXPECT_NO_THROW(value->ToString(true)) << name;
-            if (auto* integer = dynamic_cast<IInteger*>(node)) {
-                EXPECT_LE(integer->GetMin(), integer->GetValue()) << name;
-                EXPECT_GE(integer->GetMax(), integer->GetValue()) << name;
-            }
-            if (auto* number = dynamic_cast<IFloat*>(node)) {
-                EXPECT_LE(number->GetMin(), number->GetValue()) << name;
-                EXPECT_GE(number->GetMax(), number->GetValue()) << name;
-            }
-        }
-        EXPECT_GT(values, 200U);
-        camera.reset();
-    }
-}
-
 TEST_F(Features, ReachTheirRegistersThroughConverters) {
     config.color = true;
     Connect();
