@@ -36,7 +36,7 @@ struct EndingRow {
     ExitCode exit;
 };
 
-/// In the order of ViewEnding. Without a count Ctrl-C is a way to end like any other.
+/// In the order of ViewEnding.
 constexpr EndingRow kEndings[]{
     {"closed", "", ExitCode::kOk},
     {"complete", "", ExitCode::kOk},
@@ -44,7 +44,13 @@ constexpr EndingRow kEndings[]{
     {"timeout", "no image came any more: ", ExitCode::kIncompleteGrab},
 };
 
-void print(const CameraEntry& camera, const ViewReport& report, bool as_json) {
+/// Without a count Ctrl-C is a way to end like any other.
+ExitCode exit_of(const ViewReport& report, uint64_t wanted) {
+    if (report.ending == ViewEnding::kInterrupted && wanted == 0) return ExitCode::kOk;
+    return kEndings[static_cast<std::size_t>(report.ending)].exit;
+}
+
+void print(const CameraEntry& camera, const ViewReport& report, uint64_t wanted, bool as_json) {
     const EndingRow& ending = kEndings[static_cast<std::size_t>(report.ending)];
     if (as_json) {
         const nlohmann::json json{{"camera", to_json(camera)},
@@ -58,10 +64,10 @@ void print(const CameraEntry& camera, const ViewReport& report, bool as_json) {
                                   {"seconds", report.seconds}};
         return void(std::fputs(json_text(json).c_str(), stdout));
     }
-    std::printf("%s%s in %s s, %llu shown, %llu skipped, %llu lost\n", ending.text,
-                counted(report.frames.received, "image").c_str(), fixed_number(report.seconds, 1).c_str(),
-                static_cast<unsigned long long>(report.shown), static_cast<unsigned long long>(report.skipped),
-                static_cast<unsigned long long>(report.lost));
+    std::printf("%s%s in %s s, %llu shown, %llu skipped, %llu lost\n",
+                exit_of(report, wanted) == ExitCode::kOk ? "" : ending.text, counted(report.frames.received, "image").c_str(),
+                fixed_number(report.seconds, 1).c_str(), static_cast<unsigned long long>(report.shown),
+                static_cast<unsigned long long>(report.skipped), static_cast<unsigned long long>(report.lost));
 }
 
 ExitCode view(const Options& options, const Arguments& arguments) {
@@ -73,9 +79,8 @@ ExitCode view(const Options& options, const Arguments& arguments) {
     made_folder(settings.folder);
     catch_interrupts();
     const ViewReport report = LiveView(camera, entry, settings).Run();
-    print(entry, report, options.json);
-    if (report.ending == ViewEnding::kInterrupted && settings.count == 0) return ExitCode::kOk;
-    return kEndings[static_cast<std::size_t>(report.ending)].exit;
+    print(entry, report, settings.count, options.json);
+    return exit_of(report, settings.count);
 }
 
 void read_zoom(ViewSettings& settings, const std::string& text) {

@@ -109,7 +109,7 @@ ViewReport LiveView::Run() {
     }
     stream_.Close();
     TakeSaved(true);
-    if (!settings_.screenshot.empty()) window_.Capture(settings_.screenshot);
+    if (!settings_.screenshot.empty()) window_.Capture(settings_.screenshot, settings_.style.jpeg_quality);
     return report;
 }
 
@@ -325,6 +325,6 @@ void LiveView::SaveImage() {
 
 void LiveView::SaveWindow() {
     const std::string file = free_file(settings_.folder, ".png", next_file_);
-    window_.Capture(file);
+    window_.Capture(file, settings_.style.jpeg_quality);
     Tell("saved " + file);
 }

@@ -161,12 +161,12 @@ void ViewWindow::Place() {
     }
 }
 
-void ViewWindow::Capture(const std::string& file) const {
-    const std::optional<FileKind> kind = file_kind_of(file);
+void ViewWindow::Capture(const std::string& file, int jpeg_quality) const {
     VL_IMAGE_HANDLE image = nullptr;
     check_vl(vlCaptureViewWindow(frame_.get(), &image), "vlCaptureViewWindow", file);
     const Image owner(image);
     FileStyle style;
-    style.kind = kind.value_or(FileKind::kPng);
+    style.kind = file_kind_of(file).value_or(FileKind::kPng);
+    style.jpeg_quality = jpeg_quality;
     write_image_file(image, file, style);
 }

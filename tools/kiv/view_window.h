@@ -59,7 +59,7 @@ public:
     void HidePanel(Panel panel);
 
     /// Stores what the window shows, by the file's extension.
-    void Capture(const std::string& file) const;
+    void Capture(const std::string& file, int jpeg_quality) const;
 
     static constexpr int kBarHeight = 26;
 
