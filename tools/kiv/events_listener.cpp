@@ -39,16 +39,22 @@ Inbox& the_inbox() {
     return inbox;
 }
 
-/// Events whose values cannot be read are events all the same.
+/// Nothing for a value that did not come: devices may send an event without its data.
+std::optional<nlohmann::json> value_of(const Node& node, Kind kind) {
+    try {
+        if (node.IsReadable()) return node_value(node, kind);
+    } catch (const ApiError&) {
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
 DeviceEvent read_event(const Listening& listening) {
     DeviceEvent event{std::chrono::system_clock::now(), listening.event, std::nullopt};
-    try {
-        if (listening.id) event.id = listening.id->Integer();
-        for (const DataNode& data : listening.data)
-            if (data.node.IsReadable()) event.values[data.name] = node_value(data.node, data.kind);
-    } catch (const ApiError& failure) {
-        std::fprintf(stderr, "kiv: warning: %s\n", failure.what());
-    }
+    if (listening.id)
+        if (const auto id = value_of(*listening.id, Kind::kInteger)) event.id = id->get<int64_t>();
+    for (const DataNode& data : listening.data)
+        if (const auto value = value_of(data.node, data.kind)) event.values[data.name] = *value;
     return event;
 }
 

@@ -45,11 +45,16 @@ std::string tick_text(double value, double step) {
 struct Range {
     double low = 0, high = 1;
 
-    /// From a step below to a step above, so that no curve runs on the frame.
-    static Range Around(double least, double most, int ticks) {
-        const double span = std::max(most - least, std::max(std::abs(most), 1.0) * 1e-3);
+    /// From a step below to a step above, so that no curve runs on the frame. Where a few values would make all others flat, up
+    /// to where these end.
+    static Range Around(const Spread& spread, int ticks) {
+        const double tail = spread.p99 - spread.p50;
+        const bool has_outliers = tail > 0 && spread.max - spread.p50 > 6 * tail;
+        const double most = has_outliers ? spread.p50 + 3 * tail : spread.max;
+        const double span = std::max(most - spread.min, std::max(std::abs(most), 1.0) * 1e-3);
         const double step = nice_step(span, ticks);
-        return {std::floor((least - span * 0.04) / step) * step, std::ceil((most + span * 0.04) / step) * step};
+        const double low = std::floor((spread.min - span * 0.04) / step) * step;
+        return {spread.min >= 0 ? std::max(low, 0.0) : low, std::ceil((most + span * 0.04) / step) * step};
     }
 };
 
@@ -101,13 +106,22 @@ public:
             if (dotted) cv::circle(picture_, point, 2, kCurve, cv::FILLED, cv::LINE_AA);
     }
 
+    /// What is above the scale.
+    void Arrow(const cv::Point2d& point) const {
+        if (point.y > y_.high)
+            cv::drawMarker(picture_, {X(point.x), area_.y + 6}, kCurve, cv::MARKER_TRIANGLE_UP, 9, 2, cv::LINE_AA);
+    }
+
     void Cross(const cv::Point2d& point) const {
         cv::drawMarker(picture_, {X(point.x), Y(point.y)}, kIncomplete, cv::MARKER_TILTED_CROSS, 11, 2, cv::LINE_AA);
     }
 
 private:
     int X(double x) const { return area_.x + cvRound((x - x_.low) / (x_.high - x_.low) * (area_.width - 1)); }
-    int Y(double y) const { return Bottom() - cvRound((y - y_.low) / (y_.high - y_.low) * (area_.height - 1)); }
+    int Y(double y) const {
+        const double share = (std::min(y, y_.high) - y_.low) / (y_.high - y_.low);
+        return Bottom() - cvRound(share * (area_.height - 1));
+    }
     int Right() const { return area_.x + area_.width - 1; }
     int Bottom() const { return area_.y + area_.height - 1; }
 
@@ -166,12 +180,13 @@ void draw_subject(const Panel& panel, const GrabStatistics& statistics, const Su
         if (frame.timing.incomplete) crosses.push_back(points.back());
     }
     const int digits = figure_kinds()[subject.kind].digits;
-    panel.Frame(
-        subject.title + "   (median " + fixed_number(spread.p50, digits) + ", 99 % " + fixed_number(spread.p99, digits) + ")",
-        has_time);
+    panel.Frame(subject.title + "   (median " + fixed_number(spread.p50, digits) + ", 99 % " + fixed_number(spread.p99, digits) +
+                    ", largest " + fixed_number(spread.max, digits) + ")",
+                has_time);
     panel.Level(spread.p50, kMedian);
     panel.Level(spread.p99, kLate);
     panel.Curve(points);
+    for (const cv::Point2d& point : points) panel.Arrow(point);
     for (const cv::Point2d& cross : crosses) panel.Cross(cross);
     for (std::size_t i = 1; i < statistics.frames.size() && statistics.gaps <= kMostGapLabels; ++i)
         if (const uint64_t missing = statistics.frames[i].timing.missing; missing != 0)
@@ -225,7 +240,7 @@ cv::Mat draw(const GrabStatistics& statistics, const std::string& title, PlotSiz
         const Subject& subject = subjects[static_cast<std::size_t>(i)];
         const Spread& spread = statistics.spreads[subject.kind];
         const cv::Rect area(kLeft, kTop + i * (height + kBetween), size.width - kLeft - kRight, height);
-        const Panel panel(picture, area, time, Range::Around(spread.min, spread.max, height / 42));
+        const Panel panel(picture, area, time, Range::Around(spread, height / 42));
         draw_subject(panel, statistics, subject, i + 1 == count);
     }
     return picture;

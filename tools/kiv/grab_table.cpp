@@ -1,6 +1,7 @@
 // The figures of a grab as a text: a line for each frame, and the summary.
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -11,7 +12,12 @@ namespace {
 
 constexpr int kColumn = 10;
 
-std::string cell(const std::optional<double>& value, int digits) { return value ? fixed_number(*value, digits) : "-"; }
+/// A value that is rounded to 0 has no sign.
+std::string figure(double value, int digits) {
+    return fixed_number(std::abs(value) < 0.5 * std::pow(10, -digits) ? 0 : value, digits);
+}
+
+std::string cell(const std::optional<double>& value, int digits) { return value ? figure(*value, digits) : "-"; }
 
 /// What is not as it should be.
 std::string remark(const FrameTiming& timing) {
@@ -53,7 +59,7 @@ void print_spreads(const GrabStatistics& statistics) {
             // Means of whole numbers are none.
             const int digits =
                 std::max(figure_kinds()[i].digits, row.value == &Spread::mean || row.value == &Spread::stdev ? 1 : 0);
-            const std::string text = spread.count != 0 ? fixed_number(spread.*row.value, digits) : "-";
+            const std::string text = spread.count != 0 ? figure(spread.*row.value, digits) : "-";
             std::printf("%*s", kColumn, text.c_str());
         }
         std::printf("\n");

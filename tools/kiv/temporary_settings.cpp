@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "node.h"
+#include "text.h"
 
 namespace {
 
@@ -49,6 +50,8 @@ std::string TemporarySettings::Selected(const std::string& selector, const std::
 }
 
 void TemporarySettings::Restore() noexcept {
+    std::size_t failed = 0;
+    std::string what, why;
     while (!changes_.empty()) {
         const Change change = std::move(changes_.back());
         changes_.pop_back();
@@ -56,7 +59,12 @@ void TemporarySettings::Restore() noexcept {
             const Selection selection(camera_, change.selector, change.entry);
             camera_.Set(change.feature, change.before);
         } catch (const std::exception& failure) {
-            std::fprintf(stderr, "kiv: warning: %s stays changed: %s\n", change.feature.c_str(), failure.what());
+            if (++failed > 1) continue;
+            what = change.feature;
+            why = failure.what();
         }
     }
+    if (failed == 0) return;
+    const std::string others = failed > 1 ? " and " + counted(failed - 1, "other setting") : "";
+    std::fprintf(stderr, "kiv: warning: %s%s could not be given back: %s\n", what.c_str(), others.c_str(), why.c_str());
 }
