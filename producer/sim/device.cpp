@@ -1,6 +1,7 @@
 #include "device.h"
 
 #include <cstring>
+#include <utility>
 
 #include "camera/register_file.h"
 #include "device_events.h"
@@ -208,13 +209,17 @@ void Device::ReadEventSettings() {
     };
     event_copies_ = value(Reg::FaultEventCopies);
     record_size_ = value(Reg::EventRecordSize);
+    event_form_ = value(Reg::EventForm);
+    events_per_message_ = value(Reg::EventsPerMessage);
 }
 
 void Device::RegistersWritten(uint64_t address, size_t size) {
     simulation_written(camera_, *entry_.state, address, size);
     const auto touches = [&](Reg reg) { return address < row_of(reg).End() && row_of(reg).address < address + size; };
+    if (touches(Reg::ChangedFeature)) TellOfFeature();
     // A reset and a user set change them as well.
-    for (auto reg : {Reg::FaultEventCopies, Reg::EventRecordSize, Reg::UserSetLoad, Reg::DeviceReset})
+    for (auto reg :
+         {Reg::FaultEventCopies, Reg::EventRecordSize, Reg::EventForm, Reg::EventsPerMessage, Reg::UserSetLoad, Reg::DeviceReset})
         if (touches(reg)) return ReadEventSettings();
 }
 
@@ -237,17 +242,35 @@ void Device::StopEvents() {
 }
 
 void Device::Tell(const CameraEvent& event) {
-    ++events_told_;
-    const auto request_id = static_cast<uint16_t>((events_told_ - 1) % 0xFFFF + 1);  // never 0
-    const std::string message = event_message(event, request_id);
-    const uint32_t number = event.id;
+    if (!untold_.empty() && untold_.front().extended_ids != event.extended_ids) SendUntold();
+    untold_.push_back(event);
+    // Data of unknown length leave no room for a second event.
+    const bool is_alone = event_form_ == static_cast<uint32_t>(EventForm::EventData) && !event.extended_ids;
+    if (is_alone || untold_.size() >= events_per_message_) SendUntold();
+}
+
+void Device::SendUntold() {
+    const std::vector<CameraEvent> events = std::exchange(untold_, {});
+    events_told_ += static_cast<uint32_t>(events.size());
+    const auto request_id = static_cast<uint16_t>(messages_sent_++ % 0xFFFF + 1);  // never 0
+    const std::string message = event_message(events, static_cast<EventForm>(event_form_.load()), request_id);
     for (uint32_t copy = 0; copy <= event_copies_; ++copy) {
         Events().Fire(GenTL::EVENT_REMOTE_DEVICE, message);
         if (!flavour.gige) continue;
         Events().Fire(event_kind::message, message);
-        Events().Fire(event_kind::record, event_record(event, message, events_told_, record_size_));
-        Events().Fire(event_kind::number, {reinterpret_cast<const char*>(&number), sizeof number});
+        Events().Fire(event_kind::record, event_record(events.front(), message, events_told_, record_size_));
+        for (const CameraEvent& event : events) {
+            const uint32_t number = event.id;
+            Events().Fire(event_kind::number, {reinterpret_cast<const char*>(&number), sizeof number});
+        }
     }
+}
+
+void Device::TellOfFeature() {
+    char text[longest_change] = {};
+    camera_.Read(row_of(Reg::ChangedFeature).address, text, sizeof text);
+    FeatureEvent event = feature_event({text, strnlen(text, sizeof text)});
+    Events().Fire(event.kind, std::move(event.data));
 }
 
 bool Device::Vanished() {

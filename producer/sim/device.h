@@ -60,6 +60,8 @@ private:
     void StopEvents();
     void ReadEventSettings();
     void Tell(const CameraEvent& event);
+    void SendUntold();
+    void TellOfFeature();
     bool ExtendedIds();
     void ListStreamFeatures();
 
@@ -74,8 +76,9 @@ private:
     std::shared_ptr<Stream> stream_;
     int64_t selected_ = 0;
     std::atomic<bool> closing_{false};
-    uint32_t events_told_ = 0;                                ///< under the lock of the camera
-    std::atomic<uint32_t> event_copies_{0}, record_size_{0};  ///< registers that Tell must not read
+    uint32_t events_told_ = 0, messages_sent_ = 0;  ///< under the lock of the camera
+    std::vector<CameraEvent> untold_;               ///< the same: events that wait for others to share a message with
+    std::atomic<uint32_t> event_copies_{0}, record_size_{0}, event_form_{0}, events_per_message_{1};  ///< Tell must not read them
     std::thread events_;
 };
 

@@ -21,6 +21,7 @@ constexpr Key keys[] = {{"frame_cache", Reg::FrameCache},
                         {"announce_limit", Reg::FaultAnnounceLimit},
                         {"event_copies", Reg::FaultEventCopies},
                         {"event_record_size", Reg::EventRecordSize},
+                        {"events_per_message", Reg::EventsPerMessage},
                         {"unplug_at_frame", Reg::FaultUnplugAtFrame},
                         {"return_after_ms", Reg::FaultReturnAfter}};
 
@@ -49,6 +50,7 @@ void read_values(const Section& section, SimulationValues& values) {
     const Words words[] = {
         {"size", Reg::FaultSize, {"right", "zero", "too_big"}},
         {"size_of", Reg::FaultSizeOf, {"all", "payload", "buffer", "filled", "image"}},
+        {"event_form", Reg::EventForm, {"event_data", "event"}},
     };
     for (const Words& row : words) {
         std::string word;
@@ -88,7 +90,7 @@ EntryFault read_entry(const json& object, const std::string& place) {
 void read_faults(const json& object, const std::string& place, SimulationValues* values, EntryFaults& faults) {
     std::vector<std::string_view> known = {"entries"};
     if (values) {
-        known.insert(known.end(), {"register", "size", "size_of"});
+        known.insert(known.end(), {"register", "size", "size_of", "event_form"});
         for (const Key& key : keys) known.emplace_back(key.name);
     }
     const Section section(object, place, known);

@@ -76,6 +76,7 @@ void FeatureList::DescribeFeature(std::string& xml, const Feature& feature) cons
     const std::string_view type = element_names[static_cast<size_t>(feature.kind)];
     const std::string value = feature.name + "Value";
     xml += open(type, feature.name) + element("ToolTip", feature.tool_tip) + element("Visibility", "Beginner");
+    if (feature.event_id) xml += element("EventID", hexadecimal(feature.event_id).substr(2));
     for (const Feature& selector : features_)
         if (selector.name == feature.selector && selector.count_reg) xml += element("pIsAvailable", selector.name + "Count");
     if (feature.count_reg) xml += element("pIsAvailable", feature.name + "Count");

@@ -75,6 +75,11 @@ void FeatureList::Integer(std::string name, std::string tool_tip, GetInt get, Se
     Add(Kind::Integer, std::move(name), std::move(tool_tip), AddIntegerRegister(std::move(get), std::move(set)));
 }
 
+void FeatureList::Event(std::string name, std::string tool_tip, uint64_t event_id) {
+    const auto number = [event_id] { return static_cast<int64_t>(event_id); };
+    Add(Kind::Integer, std::move(name), std::move(tool_tip), AddIntegerRegister(number, {})).event_id = event_id;
+}
+
 void FeatureList::Boolean(std::string name, std::string tool_tip, GetInt get) {
     Add(Kind::Boolean, std::move(name), std::move(tool_tip), AddIntegerRegister(std::move(get), {}));
 }

@@ -35,6 +35,7 @@ public:
         std::vector<std::string> entries;  ///< of an enumeration; an entry's value is its index
         std::string selector;              ///< name of the integer or enumeration that selects it
         size_t count_reg = 0;              ///< of an index into a list: register with the list's length, else 0
+        uint64_t event_id = 0;             ///< of the EVENT_MODULE that changes it, else 0
     };
 
     /// Keeps the text; `port` is the name of the Port node, `module` the one in the description's file name.
@@ -52,6 +53,9 @@ public:
     void Command(std::string name, std::string tool_tip, std::function<void()> execute);
     /// A selector that is an index into a list. What it selects is not available while the list is empty.
     void Index(std::string name, std::string tool_tip, GetInt get, SetInt set, GetInt count);
+
+    /// The number of an event of the module, which changes when the event happens.
+    void Event(std::string name, std::string tool_tip, uint64_t event_id);
 
     /// To be called once, after the last feature.
     void Finish();

@@ -19,7 +19,10 @@ void check_access(GenTL::DEVICE_ACCESS_FLAGS access) {
 }  // namespace
 
 Interface::Interface(Session& session, System& parent, const InterfaceEntry& entry)
-    : Module(session, "InterfacePort", "Interface", {GenTL::EVENT_ERROR}), parent_(parent), entry_(entry) {
+    : Module(session, "InterfacePort", "Interface", {GenTL::EVENT_ERROR, GenTL::EVENT_MODULE},
+             {"DeviceListChanged", "An update found other devices than the one before", 0x9101}),
+      parent_(parent),
+      entry_(entry) {
     ListFeatures();
     ListDeviceFeatures();
     FinishFeatures();
@@ -120,6 +123,7 @@ bool Interface::UpdateDeviceList() {
     if (now == published_) return false;
     published_ = std::move(now);
     selected_ = 0;
+    TellOwnEvent();
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "device_events.h"
 #include "session.h"
 
 namespace kivsim {
@@ -104,18 +105,34 @@ void EventSource::Close() {
     }
 }
 
-Module::Module(Session& session, const char* port_name, const char* description_name, std::vector<GenTL::EVENT_TYPE> events)
-    : session_(session), features_(port_name, description_name), events_(session, std::move(events)) {}
+Module::Module(Session& session, const char* port_name, const char* description_name, std::vector<GenTL::EVENT_TYPE> events,
+               OwnEvent own_event)
+    : session_(session), features_(port_name, description_name), events_(session, std::move(events)), own_event_(own_event) {}
 
 void Module::FinishFeatures() {
     features_.Category("EventControl");
+    std::vector<std::string> kinds{"Error"};
+    if (own_event_.name) kinds.emplace_back(own_event_.name);
     features_.Enumeration(
-        "EventSelector", "The kind of event that EventNotification is about", {"Error"}, [] { return 0; }, [](int64_t) {});
+        "EventSelector", "The kind of event that EventNotification is about", kinds, [this] { return selected_event_; },
+        [this](int64_t value) { selected_event_ = value; });
     features_.SelectedBy("EventSelector");
     features_.Enumeration(
         "EventNotification", "Whether events of this kind are sent", {"Off", "On"},
-        [this] { return events_.notify_errors ? 1 : 0; }, [this](int64_t value) { events_.notify_errors = value == 1; });
+        [this] { return selected_event_ == 0 ? events_.notify_errors.load() : notify_own_event_; },
+        [this](int64_t value) {
+            if (selected_event_ == 0)
+                events_.notify_errors = value == 1;
+            else
+                notify_own_event_ = value == 1;
+        });
+    features_.SelectedBy({});
+    if (own_event_.name) features_.Event(std::string("Event") + own_event_.name, own_event_.tool_tip, own_event_.id);
     features_.Finish();
+}
+
+void Module::TellOwnEvent() {
+    if (notify_own_event_) events_.Fire(GenTL::EVENT_MODULE, module_event(own_event_.id));
 }
 
 void Module::Retire() {

@@ -56,9 +56,17 @@ private:
     bool disconnected_ = false;
 };
 
+/// An event that a module tells of itself: an entry of its EventSelector.
+struct OwnEvent {
+    const char* name = nullptr;
+    const char* tool_tip = nullptr;
+    uint64_t id = 0;
+};
+
 class Module : public Object, public Port {
 public:
-    Module(Session& session, const char* port_name, const char* description_name, std::vector<GenTL::EVENT_TYPE> events);
+    Module(Session& session, const char* port_name, const char* description_name, std::vector<GenTL::EVENT_TYPE> events,
+           OwnEvent own_event = {});
 
     EventSource& Events() { return events_; }
 
@@ -69,6 +77,8 @@ public:
 protected:
     /// The features that every module has; the last ones of the list.
     void FinishFeatures();
+    /// Fires it, if it is switched on.
+    void TellOwnEvent();
     /// Makes the handle invalid and ends the events.
     void Retire();
 
@@ -77,6 +87,9 @@ protected:
 
 private:
     EventSource events_;
+    const OwnEvent own_event_;
+    bool notify_own_event_ = false;
+    int64_t selected_event_ = 0;
 };
 
 /// Throws NOT_IMPLEMENTED for a buffer, INVALID_HANDLE for what cannot have events.

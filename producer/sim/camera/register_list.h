@@ -178,6 +178,9 @@
     X(FaultEntryDelay,         0x20C9C, Uint,  4,  1, RW, 0,                    0, 0, 10000) \
     X(FaultEntryApply,         0x20CA0, Uint,  4,  1, WO, kCommand,             0, 0, 1) \
     X(FaultEntryClear,         0x20CA4, Uint,  4,  1, WO, kCommand,             0, 0, 1) \
+    X(EventForm,               0x20CA8, Uint,  4,  1, RW, 0,                    0, 0, 1) \
+    X(EventsPerMessage,        0x20CAC, Uint,  4,  1, RW, 0,                    1, 1, 16) \
+    X(ChangedFeature,          0x20CB0, Text, 128, 1, RW, 0,                    0, 0, 0) \
     /* memory chip of the sensor module, big endian */ \
     X(ModuleMagic,             0x30000, Bytes, 4,  1, RO, kIdentity,            0, 0, 0) \
     X(ModulePixelPitch,        0x30004, Bytes, 4,  1, RO, kIdentity,            0, 0, 0) \

@@ -8,7 +8,8 @@ namespace kiv::test {
 namespace {
 
 constexpr EVENT_TYPE message_kind = 1000, record_kind = 1001, number_kind = 1004;
-constexpr uint64_t notification = 0x20A00, test_event = 0x20A20, extended_ids = 0x20A24, belt_speed = 0x20900;
+constexpr uint64_t notification = 0x20A00, test_event = 0x20A20, extended_ids = 0x20A24, belt_speed = 0x20900,
+                   event_form = 0x20CA8, events_per_message = 0x20CAC, changed_feature = 0x20CB0;
 enum Kind : uint32_t { FrameTrigger, FrameTriggerMissed, ExposureStart, ExposureEnd, Line0Rising, Line0Falling, TestKind };
 
 class CameraEvents : public ProducerTest {
@@ -87,6 +88,55 @@ TEST_F(CameraEvents, TheOtherKindsCarryTheSame) {
     EXPECT_EQ(std::string("\x07\x90\0\0", 4), id);
     EXPECT_EQ(556u, ask_value<size_t>([&](auto... out) { return gentl.EventGetInfo(record, EVENT_SIZE_MAX, out...); },
                                       INFO_DATATYPE_SIZET));
+}
+
+TEST_F(CameraEvents, SeveralShareAMessageOnRequest) {
+    ASSERT_NO_FATAL_FAILURE(OpenGev());
+    const EVENT_HANDLE message = Register(message_kind), number = Register(number_kind);
+    Notify(TestKind);
+    Write32(events_per_message, 3);
+    const auto make = [&](int count) {
+        for (int i = 0; i < count; ++i) Write32(test_event, 1);
+        return Get(message);
+    };
+    EXPECT_EQ(8u + 24, make(1).size()) << "data of 16-bit packets have no length: nothing can follow them";
+    struct Case {
+        uint32_t form, extended;
+        uint64_t head;
+        size_t item;
+    };
+    for (const Case& one : {Case{1, 0, 0x420000C0, 16}, Case{1, 1, 0x421000C0, 24}, Case{0, 1, 0x421000C2, 32}}) {
+        Write32(event_form, one.form);
+        Write32(extended_ids, one.extended);
+        const std::string packet = make(3);
+        ASSERT_EQ(8 + 3 * one.item, packet.size());
+        EXPECT_EQ(one.head, Number(packet, 0, 4));
+        EXPECT_EQ(3 * one.item, Number(packet, 4, 2));
+        for (size_t item = 8; item < packet.size(); item += one.item) {
+            EXPECT_EQ(one.extended ? one.item : 0, Number(packet, item, 2));
+            EXPECT_EQ(0x9007u, Number(packet, item + 2, 2));
+        }
+    }
+    EXPECT_EQ(10u, ask_value<size_t>([&](auto... out) { return gentl.EventGetInfo(number, EVENT_NUM_IN_QUEUE, out...); },
+                                     INFO_DATATYPE_SIZET));
+}
+
+TEST_F(CameraEvents, TheDeviceTellsOfFeatures) {
+    ASSERT_NO_FATAL_FAILURE(OpenGev());
+    const EVENT_HANDLE invalidated = Register(EVENT_FEATURE_INVALIDATE), changed = Register(EVENT_FEATURE_CHANGE);
+    for (std::string text : {"Gain", "Width=64"}) {
+        size_t size = text.size() + 1;
+        ASSERT_EQ(GC_ERR_SUCCESS, gentl.GCWritePort(camera, changed_feature, text.c_str(), &size));
+    }
+    const auto info = [&](EVENT_HANDLE event, const std::string& data, EVENT_DATA_INFO_CMD command) {
+        return ask([&](auto... out) { return gentl.EventGetDataInfo(event, data.data(), data.size(), command, out...); },
+                   INFO_DATATYPE_STRING);
+    };
+    EXPECT_STREQ("Gain", info(invalidated, Get(invalidated), EVENT_DATA_ID).c_str());
+    const std::string change = Get(changed);
+    EXPECT_STREQ("Width", info(changed, change, EVENT_DATA_ID).c_str());
+    EXPECT_STREQ("64", info(changed, change, EVENT_DATA_VALUE).c_str());
+    EXPECT_EQ("status -1011", Get(invalidated, 0));
 }
 
 TEST_F(CameraEvents, OnlyWhatIsSwitchedOnIsTold) {

@@ -61,6 +61,28 @@ TEST_F(EngineMap, TheDeviceIsKnownToItsInterfaceAndRemembersItsName) {
     EXPECT_STREQ("on the lathe", name);
 }
 
+TEST_F(EngineMap, AnInterfaceTellsThatItsListChanged) {
+    ASSERT_NO_FATAL_FAILURE(OpenInterface());
+    ASSERT_NO_FATAL_FAILURE(Load(interface, "InterfacePort"));
+    EVENT_HANDLE event = nullptr;
+    ASSERT_EQ(GC_ERR_SUCCESS, gentl.GCRegisterEvent(interface, EVENT_MODULE, &event));
+    Node<GenApi::IEnumeration>("EventSelector").FromString("DeviceListChanged");
+    EXPECT_EQ("Off", Text("EventNotification"));
+    Node<GenApi::IEnumeration>("EventNotification").FromString("On");
+    Node<GenApi::ICommand>("DeviceUpdateList").Execute();
+    Node<GenApi::ICommand>("DeviceUpdateList").Execute();
+    uint64_t data = 0;
+    size_t size = sizeof data;
+    ASSERT_EQ(GC_ERR_SUCCESS, gentl.EventGetData(event, &data, &size, 20000));
+    EXPECT_EQ(GC_ERR_TIMEOUT, gentl.EventGetData(event, &data, &size, 0)) << "the second update found nothing new";
+    const auto id =
+        ask_text([&](auto... out) { return gentl.EventGetDataInfo(event, &data, sizeof data, EVENT_DATA_ID, out...); });
+    EXPECT_EQ(id, map->GetNode("EventDeviceListChanged")->GetEventID().c_str());
+    EXPECT_EQ(0x9101, Node<GenApi::IInteger>("EventDeviceListChanged").GetValue());
+    Node<GenApi::IEnumeration>("EventSelector").FromString("Error");
+    EXPECT_EQ("On", Text("EventNotification")) << "each kind has a switch of its own";
+}
+
 TEST_F(EngineMap, ValuesAreNotRemembered) {
     ASSERT_NO_FATAL_FAILURE(Open());
     ASSERT_NO_FATAL_FAILURE(Load(stream, "StreamPort"));
