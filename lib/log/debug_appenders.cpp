@@ -83,10 +83,12 @@ SplitProperties split_properties(std::string_view properties) {
         auto name = appender_of(line);
         if (name.empty()) continue;
         auto own = "appender." + name;
-        if (ends_with_type(line.value, "Win32DebugAppender"))
+        if (ends_with_type(line.value, "Win32DebugAppender")) {
             split.debug_appenders.push_back({name, value_of(lines, own + ".layout.ConversionPattern"), {}});
-        else if (auto file = value_of(lines, own + ".fileName"); !file.empty())
-            split.files.push_back(file);
+            continue;
+        }
+        split.appenders.push_back(name);
+        if (auto file = value_of(lines, own + ".fileName"); !file.empty()) split.files.push_back(file);
     }
     auto find_appender = [&](const std::string& name) {
         return std::ranges::find(split.debug_appenders, name, &DebugAppender::name);

@@ -17,7 +17,8 @@ struct DebugAppender {
 struct SplitProperties {
     std::string rest;  ///< for log4cpp
     std::vector<DebugAppender> debug_appenders;
-    std::vector<std::string> files;  ///< that appenders of the rest write to
+    std::vector<std::string> appenders;  ///< names of those of the rest
+    std::vector<std::string> files;      ///< that they write to
 };
 
 SplitProperties split_properties(std::string_view properties);

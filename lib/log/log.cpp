@@ -2,6 +2,7 @@
 
 #include <kiv/platform/debug_output.h>
 #include <kiv/platform/environment.h>
+#include <log4cpp/Appender.hh>
 #include <log4cpp/BasicLayout.hh>
 #include <log4cpp/Category.hh>
 #include <log4cpp/HierarchyMaintainer.hh>
@@ -9,10 +10,12 @@
 #include <log4cpp/PatternLayout.hh>
 #include <log4cpp/PropertyConfigurator.hh>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <shared_mutex>
 #include <sstream>
 
@@ -70,6 +73,44 @@ void attach(const DebugAppender& each) {
     }
 }
 
+/// log4cpp makes appenders out of properties and leaves them to nobody: one that a later configuration does not use would stay,
+/// and its file open.
+class Appenders {
+public:
+    void Adopt(const std::vector<std::string>& names) {
+        for (auto& name : names) {
+            auto* made = log4cpp::Appender::getAppender(name);
+            if (made && std::ranges::find(ours_, made, &Ours::get) == ours_.end()) ours_.emplace_back(made);
+        }
+    }
+    /// A category that the last configuration does not name goes on with what it has.
+    void DropUnused() {
+        std::set<log4cpp::Appender*> used;
+        ForEachCategory([&](log4cpp::Category& category) { used.merge(category.getAllAppenders()); });
+        std::erase_if(ours_, [&](auto& each) { return !used.contains(each.get()); });
+    }
+    void DropAll() {
+        ForEachCategory([](log4cpp::Category& category) { category.removeAllAppenders(); });
+        ours_.clear();
+    }
+
+private:
+    using Ours = std::unique_ptr<log4cpp::Appender>;
+
+    template <class Use>
+    static void ForEachCategory(Use use) {
+        const std::unique_ptr<std::vector<log4cpp::Category*>> all(log4cpp::Category::getCurrentCategories());
+        for (auto* category : *all) use(*category);
+    }
+    std::vector<Ours> ours_;
+};
+
+Appenders& appenders() {
+    // Never destroyed: log4cpp's own objects, which appenders know, may have gone before.
+    static Appenders& only = *std::make_unique<Appenders>().release();
+    return only;
+}
+
 void forget_levels() noexcept {
     for (auto& level : detail::wanted_levels) level = Level::off;
 }
@@ -113,8 +154,15 @@ void configure(const std::string& properties) try {
     forget_levels();
     forget_levels_at_exit();
     TemporaryFile file(split.rest);
-    log4cpp::PropertyConfigurator::configure(file.Path());
+    try {
+        log4cpp::PropertyConfigurator::configure(file.Path());
+    } catch (...) {
+        appenders().Adopt(split.appenders);
+        throw;
+    }
+    appenders().Adopt(split.appenders);
     for (auto& appender : split.debug_appenders) attach(appender);
+    appenders().DropUnused();
     read_levels();
 } catch (const ConfigurationError&) {
     throw;
@@ -162,6 +210,7 @@ void shut_down() noexcept try {
     std::lock_guard guard(configuration_lock);
     forget_levels();
     log4cpp::Category::shutdown();
+    appenders().DropAll();
 } catch (...) {  // whatever an appender says while it is closed
 }
 
