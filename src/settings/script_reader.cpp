@@ -5,12 +5,16 @@
 
 #include <iostream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLString.hpp>
 #include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 
 #include "settings/xerces_session.h"
@@ -39,13 +43,67 @@ private:
     std::string file_;
 };
 
-/// With the number of expansions this bounds what entities can make of a file.
+/// Pairs names and values while the document passes by. No tree is made of it: the largest script would be many times its size
+/// in memory, and making it takes most of the time.
+///
+/// A text is what stands between two tags, comments, instructions or character-data sections; what stands in the last three is
+/// none. Entities do not divide a text.
 class ScriptParser final : public xercesc::XercesDOMParser {
 public:
+    Settings Take() { return std::move(settings_); }
+
+    void startElement(const xercesc::XMLElementDecl& element, const unsigned int, const XMLCh* const,
+                      const xercesc::RefVectorOf<xercesc::XMLAttr>&, const XMLSize_t, const bool isEmpty, const bool) override {
+        EndText();
+        if (!isEmpty) open_.push_back(PartOf(element.getFullName()));
+    }
+    void endElement(const xercesc::XMLElementDecl&, const unsigned int, const bool, const XMLCh* const) override {
+        EndText();
+        if (!open_.empty()) open_.pop_back();
+    }
+    void docCharacters(const XMLCh* const text, const XMLSize_t length, const bool isSection) override {
+        if (isSection) return EndText();
+        if (!open_.empty() && open_.back() != Part::other) text_.append(text, length);
+    }
+    void ignorableWhitespace(const XMLCh* const text, const XMLSize_t length, const bool isSection) override {
+        docCharacters(text, length, isSection);
+    }
+    void docComment(const XMLCh* const) override { EndText(); }
+    void docPI(const XMLCh* const, const XMLCh* const) override { EndText(); }
+    void startEntityReference(const xercesc::XMLEntityDecl&) override {}
+    void endEntityReference(const xercesc::XMLEntityDecl&) override {}
+
+    /// With the number of expansions this bounds what entities can make of a file.
     void entityDecl(const xercesc::DTDEntityDecl& entity, const bool isPEDecl, const bool isIgnored) override {
         if (entity.getValueLen() > longest_entity) throw std::length_error("an entity is too long");
         xercesc::XercesDOMParser::entityDecl(entity, isPEDecl, isIgnored);
     }
+
+private:
+    enum class Part { other, name, value };
+
+    Part PartOf(const XMLCh* element) const {
+        if (xercesc::XMLString::equals(element, name_element_.Get())) return Part::name;
+        return xercesc::XMLString::equals(element, value_element_.Get()) ? Part::value : Part::other;
+    }
+    void EndText() {
+        if (text_.empty()) return;
+        const bool is_name = open_.back() == Part::name;
+        (is_name ? pending_.feature : pending_.value) = utf8_of(text_.c_str());
+        (is_name ? has_name_ : has_value_) = true;
+        text_.clear();
+        if (!has_name_ || !has_value_) return;
+        settings_.push_back(std::move(pending_));
+        pending_ = {};
+        has_name_ = has_value_ = false;
+    }
+
+    const XercesText name_element_{"FeatureName"}, value_element_{"FeatureValue"};
+    std::vector<Part> open_;  // the elements that are open, outermost first
+    std::basic_string<XMLCh> text_;
+    Setting pending_;
+    bool has_name_ = false, has_value_ = false;
+    Settings settings_;
 };
 
 void set_up(ScriptParser& parser, Complaints& complaints, xercesc::SecurityManager& security) {
@@ -57,31 +115,6 @@ void set_up(ScriptParser& parser, Complaints& complaints, xercesc::SecurityManag
     parser.setDoSchema(false);
     parser.setLoadExternalDTD(false);
     parser.setDisableDefaultEntityResolution(true);
-    parser.setCreateEntityReferenceNodes(false);
-}
-
-Settings settings_of(xercesc::DOMDocument& document) {
-    Settings settings;
-    Setting pending;
-    bool has_name = false, has_value = false;
-    auto* iterator = document.createNodeIterator(&document, xercesc::DOMNodeFilter::SHOW_TEXT, nullptr, true);
-    while (auto* text = iterator->nextNode()) {
-        auto* parent = text->getParentNode();
-        auto name = utf8_of(parent ? parent->getNodeName() : nullptr);
-        if (name == "FeatureName") {
-            pending.feature = utf8_of(text->getNodeValue());
-            has_name = true;
-        } else if (name == "FeatureValue") {
-            pending.value = utf8_of(text->getNodeValue());
-            has_value = true;
-        }
-        if (!has_name || !has_value) continue;
-        settings.push_back(std::move(pending));
-        pending = {};
-        has_name = has_value = false;
-    }
-    iterator->release();
-    return settings;
 }
 
 Settings parse(const std::string& file, const std::string& text) {
@@ -96,15 +129,15 @@ Settings parse(const std::string& file, const std::string& text) {
         parser.parse(source);
         if (auto errors = parser.getErrorCount())
             throw std::runtime_error("Parsing " + file + " error count: " + std::to_string(errors));
-        auto* document = parser.getDocument();
-        return document ? settings_of(*document) : Settings();
+        return parser.Take();
     } catch (const xercesc::DOMException& fault) {
         auto message = utf8_of(fault.getMessage());
         throw std::runtime_error("DOM Exception parsing " + file +
                                  " reports: " + (message.empty() ? std::to_string(fault.code) : message));
     } catch (const xercesc::XMLException& fault) {
         throw std::runtime_error("XML Exception parsing " + file + " reports: " + utf8_of(fault.getMessage()));
-    } catch (const std::length_error&) {
+    } catch (const std::length_error& fault) {
+        platform::debug_print(file + ": " + fault.what() + "\n");
         throw std::runtime_error("An exception parsing " + file);
     }
 }

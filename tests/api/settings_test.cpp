@@ -1,4 +1,5 @@
 // Settings in a file: what is saved in which order, what a script from elsewhere may look like, what validation finds.
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -137,21 +138,37 @@ TEST_F(SettingsFile, SavesWhatTheModeAsksFor) {
     ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SaveSettingsW(camera, std::wstring(file.begin(), file.end()).c_str(), K_SAVE_ALL));
     EXPECT_EQ("Title=", Pairs().back());
     EXPECT_THAT(FileText(), HasSubstr("<FeatureValue/>"));
+    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SetValueString(camera, "Title", "<&>\"'\r\n\t\xE9"));
+    EXPECT_STATUS(K_ST_SUCCESS, K_Camera_SaveSettings(camera, file.c_str(), K_SAVE_ALL));
+    EXPECT_THAT(FileText(), HasSubstr("<FeatureValue>&lt;&amp;&gt;\"'&#xD;\n\t\xC3\xA9</FeatureValue>\r\n    </Command>\r\n"
+                                      "  </CommandList>\r\n\r\n</Script>\r\n"));
+    for (auto* title : {"\x01", "a\x1F", "\xEF\xBF\xBF"}) {
+        std::remove(file.c_str());
+        ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SetValueString(camera, "Title", title));
+        EXPECT_STATUS(K_ST_SUCCESS, K_Camera_SaveSettings(camera, file.c_str(), K_SAVE_ALL));
+        EXPECT_FALSE(std::filesystem::exists(file));
+    }
+    EXPECT_THAT(debug.Text(), HasSubstr("the value of 'Title' has a character that XML cannot hold"));
 }
 
-TEST_F(SettingsFile, RoundTripRestoresEverything) {
+TEST_F(SettingsFile, RoundTripRestoresEverythingInEachMode) {
     ASSERT_NO_FATAL_FAILURE(Open());
-    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SaveSettings(camera, File().c_str(), K_SAVE_ALL));
-    const auto saved = FileText();
-    for (std::uint64_t address : {0x10, 0x14, 0x18, 0x1C, 0x24, 0x2C}) SetRegister(address, 1);
-    SetRegister(0x00, 32);
-    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_InvalidateNodes(camera));
-    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SetValueDouble(camera, "Gain", 8));
-    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SetValueString(camera, "Title", "other"));
-    EXPECT_STATUS(K_ST_SUCCESS, Load(K_LOAD_AUTO));
-    EXPECT_EQ("", Findings());
-    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SaveSettings(camera, File().c_str(), K_SAVE_ALL));
-    EXPECT_EQ(saved, FileText());
+    // A selector that is not streamable has no place of its own in a streamable script: it stays at its last step.
+    ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SetValueInt64(camera, "LineSelector", 3));
+    for (std::uint32_t saved_as : {0u, 1u, 2u})
+        for (std::uint32_t loaded_as : {0u, 2u, 3u}) {
+            ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SaveSettings(camera, File().c_str(), saved_as));
+            const auto saved = FileText();
+            for (std::uint64_t address : {0x10, 0x14, 0x18, 0x1C, 0x24, 0x2C}) SetRegister(address, 1);
+            SetRegister(0x00, 32);
+            ASSERT_STATUS(K_ST_SUCCESS, K_Camera_InvalidateNodes(camera));
+            ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SetValueDouble(camera, "Gain", 8));
+            ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SetValueString(camera, "Title", "other"));
+            EXPECT_STATUS(K_ST_SUCCESS, Load(loaded_as));
+            EXPECT_EQ("", Findings());
+            ASSERT_STATUS(K_ST_SUCCESS, K_Camera_SaveSettings(camera, File().c_str(), saved_as));
+            EXPECT_EQ(saved, FileText()) << saved_as << " " << loaded_as;
+        }
 }
 
 TEST_F(SettingsFile, ValidationNamesEachFaultInTheScript) {
@@ -215,6 +232,10 @@ TEST_F(SettingsFile, TakesScriptsFromElsewhere) {
     loads(32);
     Script(Command("Width", "&v;"), "<!DOCTYPE Script [" + declared + "<!ENTITY v \"48\">]>");
     loads(48);
+    Script(Command("Wi<!-- divides -->dth", "24") + Command("Width", "4&v;<![CDATA[0]]>"),
+           "<!DOCTYPE Script [" + declared + "<!ENTITY v \"0\">]>");
+    EXPECT_STATUS(K_ST_SUCCESS, Load(K_LOAD_ONLY));
+    EXPECT_EQ(40, Register(0x00)) << "comments and sections divide texts, entities do not";
     Script("<Command><FeatureName>Title</FeatureName><FeatureValue></FeatureValue></Command>" + Command("Width", "56"));
     loads(56);
     std::string wide = "\xFF\xFE";
@@ -235,27 +256,43 @@ TEST_F(SettingsFile, RefusesWhatIsNoScript) {
         for (int k = 0; k < 10; ++k) bomb += "&a" + std::to_string(i - 1) + ";";
         bomb += "\">";
     }
-    const std::string texts[] = {
-        "",
-        "no XML at all",
-        "<Script><CommandList><Command></Script>",
-        "<Script>" + std::string(1, '\x01') + "</Script>",
-        "<Script a=1/>",
-        "<Script/><Script/>",
-        "<?xml version=\"1.0\" encoding=\"no-such-encoding\"?><Script/>",
-        "<?xml version=\"1.0\" encoding=\"utf-8\"?><Script>\xC3\x28</Script>",
-        bomb + "]><Script>" + Command("Width", "&a11;") + "</Script>",
-        "<!DOCTYPE Script [" + declared + "<!ENTITY v SYSTEM \"file://" + secret + "\">]><Script>" + Command("Width", "&v;") +
-            "</Script>",
-        "<!DOCTYPE Script [" + declared + "<!ENTITY v \"" + std::string(5000, '1') + "\">]><Script>" + Command("Width", "&v;") +
-            "</Script>",
+    const struct {
+        std::string text;
+        const char* reason;  ///< behind the name of the file
+    } rows[] = {
+        {"", ":1:1: invalid document structure"},
+        {"no XML at all", ":1:1: invalid document structure"},
+        {"<Script>\n<CommandList>\n<Command></Script>", ":3:12: expected end of tag 'Command'"},
+        {"<Script>", "last tag started is 'Script'"},
+        {"<Script>" + std::string(1, '\x01') + "</Script>", ":1:10: invalid character 0x1"},
+        {"<Script a=1/>", ":1:11: attribute value expected"},
+        {"<Script/><Script/>", ":1:10: "},
+        {"<Script>" + Command("Title", "a & b") + "</Script>", "expected entity name"},
+        {"<Script>" + Command("Width", "&nothing;") + "</Script>", "entity 'nothing' not found"},
+        {"<?xml version=\"1.0\" encoding=\"no-such-encoding\"?><Script/>", "NO-SUCH-ENCODING"},
+        {"<?xml version=\"1.0\" encoding=\"utf-8\"?><Script>\xC3\x28</Script>", "invalid byte"},
+        {bomb + "]><Script>" + Command("Width", "&a11;") + "</Script>", "more than '10000' entity expansions"},
+        {"<!DOCTYPE Script [" + declared + "<!ENTITY v SYSTEM \"file://" + secret + "\">]><Script>" + Command("Width", "&v;") +
+             "</Script>",
+         "unable to open external entity"},
+        {"<!DOCTYPE Script [" + declared + "<!ENTITY v \"" + std::string(5000, '1') + "\">]><Script>" + Command("Width", "&v;") +
+             "</Script>",
+         ": an entity is too long"},
     };
-    for (auto& text : texts) {
-        std::ofstream(File(), std::ios::binary) << text;
+    std::size_t said = 0;
+    for (auto& row : rows) {
+        std::ofstream(File(), std::ios::binary) << row.text;
         ::testing::internal::CaptureStderr();
-        EXPECT_STATUS(K_ST_SETTINGS_FILE_ERROR, Load(K_LOAD_AUTO)) << text.substr(0, 80);
-        EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("arsing " + File())) << text.substr(0, 80);
+        EXPECT_STATUS(K_ST_SETTINGS_FILE_ERROR, Load(K_LOAD_AUTO)) << row.text.substr(0, 80);
+        EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("arsing " + File())) << row.text.substr(0, 80);
+        const auto reasons = debug.Text().substr(said);
+        said += reasons.size();
+        EXPECT_THAT(reasons, ::testing::AllOf(HasSubstr(File() + ":"), HasSubstr(row.reason)));
     }
+    std::filesystem::resize_file(File(), (64u << 20) + 1);
+    ::testing::internal::CaptureStderr();
+    EXPECT_STATUS(K_ST_SETTINGS_FILE_ERROR, Load(K_LOAD_AUTO));
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("has more than 67108864 bytes"));
     std::remove(File().c_str());
     ::testing::internal::CaptureStderr();
     EXPECT_STATUS(K_ST_SETTINGS_FILE_ERROR, Load(K_LOAD_ONLY));
