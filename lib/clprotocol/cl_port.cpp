@@ -15,7 +15,9 @@ template <class Body>
 auto told(const std::string& port, const char* what, Body&& body) -> decltype(body()) try {
     return body();
 } catch (const std::exception& error) {
-    if (log_wanted(Level::warn)) log_line(Level::warn, port + ": " + what + ": " + error.what());
+    const auto* known = dynamic_cast<const GenICam::GenericException*>(&error);
+    if (log_wanted(Level::warn))
+        log_line(Level::warn, port + ": " + what + ": " + (known ? known->GetDescription() : error.what()));
     throw;
 }
 

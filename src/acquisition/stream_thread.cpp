@@ -1,5 +1,6 @@
 #include "acquisition/stream_thread.h"
 
+#include <kiv/log/log.h>
 #include <kiv/platform/debug_output.h>
 #include <kiv/platform/thread.h>
 
@@ -22,6 +23,17 @@ constexpr std::size_t longest_stream_id = 65536;
 
 bool refused_for_its_form(GenTL::GC_ERROR status) {
     return status == GenTL::GC_ERR_NOT_IMPLEMENTED || status == GenTL::GC_ERR_INVALID_PARAMETER;
+}
+
+/// The one line of a stream that needs no looking at its calls.
+void tell_end(const K_STREAM_STATISTICS& seen) noexcept try {
+    if (!kiv::log::wanted(kiv::log::Category::gen_tl, kiv::log::Level::info)) return;
+    const auto number = [](std::uint64_t count, const char* what) { return std::to_string(count) + what; };
+    kiv::log::write(kiv::log::Category::gen_tl, kiv::log::Level::info,
+                    "image stream ends: " + number(seen.delivered, " images, ") +
+                        number(seen.incomplete, " of them incomplete; ") + number(seen.lost, " lost, ") +
+                        number(seen.missing_ids, " missing in the sequence, ") + number(seen.skipped, " skipped"));
+} catch (const std::bad_alloc&) {  // then without it
 }
 
 void report(const char* call, GenTL::GC_ERROR status) {
@@ -204,6 +216,7 @@ void CStreamThread::GiveBack() {
     std::lock_guard lock(close_lock_);
     if (std::exchange(given_back_, true)) return;
     AskLost();
+    tell_end(statistics_.Snapshot());
     EndInProducer(By::hand);
     // From here on the loop, in whose callback this may be, must not come back to the stream.
     if (IsLoop()) gate_.ShutNow();

@@ -52,6 +52,9 @@ void CallArgument::AppendTo(std::string& line, bool succeeded) const {
         case Kind::number:
             line += std::to_string(number_);
             return;
+        case Kind::count:
+            line += std::to_string(static_cast<std::uint64_t>(number_));
+            return;
         case Kind::address:
             line += address_text(pointer_);
             return;

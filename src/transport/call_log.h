@@ -25,7 +25,8 @@ constexpr bool is_landmark(std::string_view call) {
 /// An argument as the log shows it. Of a result the value is shown, which is looked at only after a success.
 class CallArgument {
 public:
-    explicit CallArgument(std::integral auto number) : kind_(Kind::number), number_(static_cast<std::int64_t>(number)) {}
+    explicit CallArgument(std::signed_integral auto number) : kind_(Kind::number), number_(number) {}
+    explicit CallArgument(std::unsigned_integral auto number) : kind_(Kind::count), number_(static_cast<std::int64_t>(number)) {}
     explicit CallArgument(const char* text) : kind_(Kind::text), pointer_(text) {}
     explicit CallArgument(const void* address) : kind_(Kind::address), pointer_(address) {}
     explicit CallArgument(char* room) : CallArgument(static_cast<const void*>(room)) {}
@@ -37,7 +38,7 @@ public:
     void AppendTo(std::string& line, bool succeeded) const;
 
 private:
-    enum class Kind { number, address, text, number_result, address_result };
+    enum class Kind { number, count, address, text, number_result, address_result };
     Kind kind_;
     std::int64_t number_ = 0;  // of a result its size
     const void* pointer_ = nullptr;

@@ -4,12 +4,16 @@
 #include <gtest/gtest.h>
 #include <kiv/platform/environment.h>
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
-
 #include <sstream>
+
 #include "support/debug_recorder.h"
 #include "support/expect_status.h"
+#include "support/patterns.h"
+#include "support/sim_camera.h"
+#include "support/system/installer_records.h"
 #include "support/temp_folder.h"
 
 namespace kiv_test {
@@ -64,6 +68,52 @@ TEST_F(Logging, ConfiguresTheCategories) {
     EXPECT_STATUS(K_ST_SUCCESS, K_EnableLoggingFromFile("$(KIV_TEST_LOGS)/log.properties"));
 }
 
+class SessionLog : public SimCamera {
+protected:
+    ~SessionLog() override { K_DisableLogging(); }
+    /// What is logged of a session with a success and a failure.
+    std::string Log(const char* level) {
+        const auto file = folder.In(std::string(level) + ".log");
+        EXPECT_STATUS(K_ST_SUCCESS, K_EnableLogging(true, true, true, false, file.c_str(), level, pattern));
+        OpenCamera();
+        EXPECT_STATUS(K_ST_SUCCESS, K_Camera_SetValueInt64(camera, "Height", 64));
+        EXPECT_STATUS(K_ST_GC_ERROR, K_Camera_SetValueInt64(camera, "Width", 100000));
+        for (int i = 0; i < 3; ++i) Integer("Width");
+        CloseCamera();
+        CloseFactory();
+        EXPECT_STATUS(K_ST_SUCCESS, K_DisableLogging());
+        auto text = read_file(file);
+        std::erase(text, '\r');  // of lines as some systems end them
+        return text;
+    }
+};
+
+TEST_F(SessionLog, TellsAsMuchAsTheLevelAsksFor) {
+    using ::testing::AllOf, ::testing::HasSubstr, ::testing::Not;
+    EXPECT_EQ("", Log("ERROR"));
+    const auto warn = Log("WARN");
+    EXPECT_THAT(warn, AllOf(HasSubstr("WARN GenApi: KivSim_5MC Width: SetValue failed: Value = 100000 must be"),
+                            Not(HasSubstr("TLOpen"))));
+    EXPECT_EQ(1, std::count(warn.begin(), warn.end(), '\n')) << warn;
+    const auto info = Log("INFO");
+    EXPECT_THAT(info, AllOf(HasSubstr("INFO GenTL: producer "),
+                            HasLike("INFO GenTL: IFOpenDevice\\(0x[0-9a-f]+, \"SIM0_T0001\", "
+                                    "[0-9]+, -> 0x[0-9a-f]+\\) = SUCCESS \\(0\\) in [0-9]+ us\n"),
+                            HasSubstr("INFO GenTL: DevClose("), HasLike("INFO GenApi: KivSim_5MC: [0-9]+ nodes"),
+                            Not(HasSubstr("GCReadPort"))));
+    const auto debug = Log("DEBUG");
+    EXPECT_THAT(debug, HasSubstr("DEBUG GenApi: KivSim_5MC Height: SetValue\n"));
+    EXPECT_THAT(
+        debug,
+        HasLike("DEBUG GenApi: KivSim_5MC Device: write 4 bytes at 0x[0-9a-f]+ \\(HeightReg\\) in SetValue: 40 00 00 00\n"));
+    EXPECT_THAT(
+        debug,
+        HasLike("DEBUG GenTL: GCWritePort\\(0x[0-9a-f]+, 0x[0-9a-f]+, 4 bytes\\) = SUCCESS \\(0\\) in [0-9]+ us: 40 00 00 00\n"));
+    std::size_t reads = 0;
+    for (auto at = debug.find("(WidthReg"); at != debug.npos; at = debug.find("(WidthReg", at + 1)) ++reads;
+    EXPECT_EQ(1u, reads) << "what the cache answers is not told";
+}
+
 TEST(ReplaceEnvironmentVariables, ExpandsInPlaceOrNotAtAll) {
     ScopedEnvironment value("KIV_TEST_VALUE", "0123456789");
     const struct {
@@ -92,18 +142,17 @@ TEST(ReplaceEnvironmentVariables, ExpandsInPlaceOrNotAtAll) {
 }
 
 TEST(GetSdkInstallerVersion, ReadsTheFirstInstalledPackage) {
-    TempFolder folder;
-    ScopedEnvironment records("KIV_INSTALLER_REGISTRY", folder.In("records.reg"));
     const std::string codes = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\Installer\\UpgradeCodes\\",
                       products = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\Installer\\Products\\";
     std::ostringstream text;
     text << "Windows Registry Editor Version 5.00\n\n"
-                                            << codes << "EMPTY]\n\n"
-                                            << codes << "FULL]\n\"P1\"=\"\"\n\n"
-                                            << codes << "DANGLING]\n\"P2\"=\"\"\n\n"
-                                            << codes << "SILENT]\n\"P3\"=\"\"\n\n"
-                                            << products << "P1]\n\"Version\"=dword:01020304\n\n"
-                                            << products << "P3]\n\"Name\"=\"x\"\n\n";
+         << codes << "EMPTY]\n\n"
+         << codes << "FULL]\n\"P1\"=\"\"\n\n"
+         << codes << "DANGLING]\n\"P2\"=\"\"\n\n"
+         << codes << "SILENT]\n\"P3\"=\"\"\n\n"
+         << products << "P1]\n\"Version\"=dword:01020304\n\n"
+         << products << "P3]\n\"Name\"=\"x\"\n\n";
+    const InstallerRecords records(text.str());
     struct {
         std::vector<K_INSTALLER_ENTRY> entries;
         K_STATUS_CODES status;
@@ -128,4 +177,3 @@ TEST(GetSdkInstallerVersion, ReadsTheFirstInstalledPackage) {
 
 }  // namespace
 }  // namespace kiv_test
-    const InstallerRecords records(text.str());

@@ -14,6 +14,9 @@ void say(log::Level level, const std::string& line) { log::write(log::Category::
 
 std::string model_of(const Engine& engine) { return std::string(engine.table.info.modelName); }
 
+/// "KivSim_5MC Width".
+std::string subject(const Node& node) { return model_of(node.Context()) + " " + std::string(node.Name()); }
+
 /// Whose bytes stand at a location: the node, or the first of several.
 std::string nodes_at(const Engine& engine, uint32_t vertex) {
     if (vertex == no_vertex) return {};
@@ -42,21 +45,20 @@ void log_map(const Engine& engine) {
 
 void log_transfer(const Node& port, const char* what, uint32_t vertex, int64_t address, std::span<const uint8_t> bytes) {
     const auto& engine = port.Context();
-    say(log::Level::debug, model_of(engine) + " " + std::string(port.Name()) + ": " + what + " " + std::to_string(bytes.size()) +
-                               " bytes at " + log::hex(static_cast<uint64_t>(address)) + nodes_at(engine, vertex) + " in " +
-                               engine.operation + ": " + log::hex_bytes(bytes.data(), bytes.size()));
+    say(log::Level::debug, subject(port) + ": " + what + " " + std::to_string(bytes.size()) + " bytes at " +
+                               log::hex(static_cast<uint64_t>(address)) + nodes_at(engine, vertex) + " in " + engine.operation +
+                               ": " + log::hex_bytes(bytes.data(), bytes.size()));
 }
 
-void log_write(const Node& node, const char* operation) {
-    say(log::Level::debug, model_of(node.Context()) + " " + std::string(node.Name()) + ": " + operation);
-}
+void log_write(const Node& node, const char* operation) { say(log::Level::debug, subject(node) + ": " + operation); }
 
 void log_invalidation(const Engine& engine) { say(log::Level::debug, model_of(engine) + ": all nodes are to be read again"); }
 
-void log_failure(const GenICam::GenericException& error, GenICam::NodePlace place) {
-    const auto* node = error.GetNodeName();
-    say(log::Level::warn, (*node ? std::string(node) : std::string(place.node)) + ", " + std::string(place.operation) + ": " +
-                              error.GetDescription());
+void log_failure(const Node& node, const char* operation, const GenICam::GenericException& error) {
+    const std::string at = error.GetNodeName();
+    const bool elsewhere = !at.empty() && at != node.Name();
+    say(log::Level::warn,
+        subject(node) + ": " + operation + " failed" + (elsewhere ? " at " + at : "") + ": " + error.GetDescription());
 }
 
 void log_callback_failure(const std::exception_ptr& failure) {

@@ -26,7 +26,8 @@ inline constexpr uint32_t no_vertex = UINT32_MAX;
 /// A call that changes a node, before the transfers that it makes.
 [[gnu::cold]] void log_write(const Node& node, const char* operation);
 [[gnu::cold]] void log_invalidation(const Engine& engine);
-[[gnu::cold]] void log_failure(const GenICam::GenericException& error, GenICam::NodePlace place);
+/// A call of a node that ends with an exception.
+[[gnu::cold]] void log_failure(const Node& node, const char* operation, const GenICam::GenericException& error);
 [[gnu::cold]] void log_callback_failure(const std::exception_ptr& failure);
 
 }  // namespace kiv::genapi

@@ -198,6 +198,7 @@ auto Node::Run(const char* operation, Body&& body) -> decltype(body()) {
             return result;
         }
     } catch (const GenICam::GenericException& error) {
+        if (log_wanted(log::Level::warn)) log_failure(*this, operation, error);
         rethrow_with_node(error, {Name(), operation});
     }
 }
@@ -214,9 +215,9 @@ auto Node::RunRead(const char* operation, bool ignoreCache, Body&& body) -> decl
 template <class Body>
 void Node::RunWrite(const char* operation, Body&& body) {
     Run(operation, [&] {
-        RequireWritable();
         if (log_wanted(log::Level::debug)) [[unlikely]]
             log_write(*this, operation);
+        RequireWritable();
         body();
         if (checksErrors_) CheckErrors();
     });

@@ -71,7 +71,6 @@ void throw_if(const GenICam::GenericException& error, GenICam::NodePlace place) 
 
 void rethrow_with_node(const GenICam::GenericException& error, GenICam::NodePlace place) {
     using namespace GenICam;
-    if (log_wanted(log::Level::warn)) log_failure(error, place);
     if (*error.GetNodeName() == '\0') {
         throw_if<RuntimeException>(error, place);
         throw_if<AccessException>(error, place);
