@@ -42,4 +42,17 @@ TEST(KivProbe, EndsWithThreeWhenThereIsNoPortOrNoCamera) {
     EXPECT_THAT(no_camera.err, HasSubstr("no camera answers"));
 }
 
+TEST(KivProbe, EndsInTheMiddleWithCtrlC) {
+    kiv_test::SerialCamera silent;
+    silent.SetManners([](const auto&, const auto&) { return kiv_test::SerialReply(); });
+    Bench bench;
+    bench.SetVariable("KIV_CAMERA_LINK_PORTS", silent.Path());
+    const auto running = bench.Start({"probe"});
+    ASSERT_TRUE(eventually([&] { return silent.BytesHeard() > 0; }));
+    running->PressCtrlC();
+    const Result result = running->Wait();
+    EXPECT_EQ(result.exit, 130);
+    EXPECT_THAT(result.err, HasSubstr("not all ports"));
+}
+
 }  // namespace

@@ -4,12 +4,18 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
+#include <memory>
+#include <random>
 #include <sstream>
+#include <thread>
 
 #include "error.h"
 #include "feature.h"
+#include "interrupt.h"
 #include "options.h"
+#include "session.h"
 #include "text.h"
 
 namespace {
@@ -36,11 +42,34 @@ std::vector<std::string> split(const std::string& text, char separator) {
     return pieces;
 }
 
+/// Cancels the probe when Ctrl-C is pressed: the port that is being asked is given back in order.
+class CancelOnInterrupt {
+public:
+    CancelOnInterrupt() : name_("kiv-probe-" + std::to_string(std::random_device()())) {
+        catch_interrupts();
+        CANCEL_EVENT_HANDLE raw = nullptr;
+        check(K_Factory_Camera_Link_CreateCancelEvent(name_.c_str(), &raw), "K_Factory_Camera_Link_CreateCancelEvent", name_);
+        event_.reset(raw);
+        watch_ = std::jthread([this](const std::stop_token& stop) {
+            while (!stop.stop_requested() && !is_interrupted()) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            if (is_interrupted()) K_Factory_Camera_Link_Cancel(event_.get());
+        });
+    }
+    const char* EventName() const { return name_.c_str(); }
+
+private:
+    std::string name_;
+    std::unique_ptr<K_CANCEL_EVENT, Closer<K_Factory_Camera_Link_CloseCancelEvent>> event_;
+    std::jthread watch_;  // ends before the event does
+};
+
 std::vector<Camera> find_cameras() {
     std::vector<std::string> texts(kColumns, std::string(K_CAMERA_LINK_TEXT_ROOM, '\0'));
+    const CancelOnInterrupt cancel;
     const K_STATUS_CODES status =
         K_Factory_Camera_Link_Probe(texts[kPort].data(), texts[kDeviceId].data(), texts[kModel].data(), texts[kRate].data(),
-                                    texts[kSupported].data(), K_CAMERA_LINK_TEXT_ROOM, nullptr);
+                                    texts[kSupported].data(), K_CAMERA_LINK_TEXT_ROOM, cancel.EventName());
+    if (status == K_ST_ABORT) throw ToolError(ExitCode::kInterrupted, "interrupted: not all ports were looked at");
     if (status == K_ST_NO_DATA)
         throw ToolError(ExitCode::kNothingFound,
                         "no Camera Link serial port to look at; \"kiv probe --help\" tells where they are looked for");
