@@ -57,6 +57,7 @@ TEST_P(RegisterBits, AreReadAndWrittenWithoutTouchingTheirNeighbours) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, RegisterBits,
     ::testing::Values(BitCase{"LittleMiddle", "<LSB>8</LSB><MSB>15</MSB>", false, {0x78, 0x56, 0x34, 0x12}, 0x56},
+                      BitCase{"LittleWrongWayRound", "<LSB>15</LSB><MSB>8</MSB>", false, {0x78, 0x56, 0x34, 0x12}, 0x56},
                       BitCase{"BigMiddle", "<LSB>23</LSB><MSB>16</MSB>", true, {0x12, 0x34, 0x56, 0x78}, 0x56},
                       BitCase{"BigLastBit", "<Bit>31</Bit>", true, {0, 0, 0, 1}, 1},
                       BitCase{"BigFirstBit", "<Bit>0</Bit>", true, {0x80, 0, 0, 0}, 1},

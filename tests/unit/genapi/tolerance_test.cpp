@@ -122,12 +122,3 @@ TEST(Tolerance, OfEntries) {
     EXPECT_FALSE(names.contains("NoValue"));
 }
 
-TEST(Tolerance, OfFieldsWrittenTheWrongWayRound) {
-    for (const auto* bits : {"<LSB>4</LSB><MSB>11</MSB>", "<LSB>11</LSB><MSB>4</MSB>", "<MSB>11</MSB><LSB>4</LSB>"}) {
-        DescribedCamera camera(
-            "<MaskedIntReg Name=\"M\"><Address>0</Address><Length>2</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>" +
-            std::string(bits) + "<Endianess>LittleEndian</Endianess></MaskedIntReg>");
-        camera.memory.Put(0, {0x5A, 0xC3});
-        EXPECT_EQ(0x35, camera.Integer("M").GetValue()) << bits;
-    }
-}

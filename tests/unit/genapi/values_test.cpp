@@ -19,19 +19,6 @@ TEST(IntegerFeature, ReadsAndWritesTheRegisterThatItShows) {
     EXPECT_EQ("512", width.ToString());
     width.FromString("0x20");
     EXPECT_EQ(32, width.GetValue());
-}
-
-TEST(IntegerFeature, RefusesWhatItsLimitsForbidBeforeTheDeviceSeesIt) {
-    DescribedCamera camera(
-        R"(<Integer Name="Width"><pValue>WidthReg</pValue><Min>32</Min><Max>640</Max><Inc>32</Inc></Integer>)" +
-        int_reg("WidthReg", 0, "", 2));
-    auto& width = camera.Integer("Width");
-    EXPECT_NODE_ERROR(OutOfRangeException, width.SetValue(641), "Width", "Value = 641 must be equal or smaller than Max = 640.");
-    EXPECT_NODE_ERROR(OutOfRangeException, width.SetValue(31), "Width", "Value = 31 must be equal or greater than Min = 32.");
-    EXPECT_NODE_ERROR(OutOfRangeException, width.SetValue(450), "Width",
-                      "The difference between Value = 450 and Min = 32 must be dividable without rest by Inc = 32.");
-    EXPECT_NODE_ERROR(OutOfRangeException, width.SetValue(65536, false), "WidthReg", "Max = 65535");
-    EXPECT_EQ(0, camera.memory.writes);
     width.SetValue(1000, false);
     EXPECT_EQ(1000, width.GetValue());
     EXPECT_NODE_ERROR(OutOfRangeException, width.GetValue(true), "Width", "Max = 640");
