@@ -41,6 +41,9 @@ TEST(Arguments, NullsAreRefusedAndNamed) {
     VL_IMAGE_HANDLE out = nullptr;
     const VL_STATUS statuses[] = {
         vlGetImageType(VL_IMAGE_MONO8, nullptr),
+        vlGetPixelFormatName(VL_IMAGE_MONO8, nullptr),
+        vlGetPixelFormatByName("Mono8", nullptr),
+        vlGetPixelFormatByName(nullptr, &raw.pixel_type),
         vlMalloc(nullptr, &out),
         vlMalloc(&raw, nullptr),
         vlMallocEx(2, 2, VL_IMAGE_MONO8, nullptr, 0, nullptr),
@@ -99,7 +102,17 @@ TEST(Images, TakeTheTypeThatShowsTheFormatWithoutLoss) {
         std::uint64_t type = 0;
         EXPECT_EQ(vlGetImageType(c.format, &type), VL_ST_SUCCESS);
         EXPECT_EQ(type, c.type) << std::hex << c.format;
+        const char* name = "";
+        std::uint64_t code = 0;
+        EXPECT_EQ(vlGetPixelFormatName(c.format, &name), VL_ST_SUCCESS);
+        EXPECT_EQ(vlGetPixelFormatByName(name, &code), VL_ST_SUCCESS);
+        EXPECT_EQ(code, c.format) << name;
     }
+    std::uint64_t code = 0;
+    EXPECT_EQ(vlGetPixelFormatByName("bAYERrg12P", &code), VL_ST_SUCCESS);
+    EXPECT_EQ(code, 0x010C0059u);
+    EXPECT_EQ(vlGetPixelFormatByName("BayerRG13p", &code), VL_ST_NOT_IMPLEMENTED);
+    EXPECT_THAT(vlGetLastErrorText(), HasSubstr("BayerRG13p"));
     Bytes none;
     const auto raw = record(mono12p, 5, 3, none);
     OwnedImage image;
