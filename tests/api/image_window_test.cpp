@@ -2,7 +2,7 @@
 #include <kiv/imaging.h>
 
 #include "api/image_stream_fixture.h"
-#include "unit/vl/x_display.h"
+#include "support/x_display.h"
 
 // SDL leaves what libdbus keeps for the process: other users of libdbus in it may need it.
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() { return "leak:libdbus-1.so"; }
@@ -49,7 +49,7 @@ protected:
         return true;
     }
 
-    const kiv::vl::test::VirtualScreen screen;
+    const VirtualScreen screen;
 };
 
 TEST_F(ImageWindowTest, IsTheOneThatWasOpenedLast) {

@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include "kiv_process.h"
-#include "unit/vl/x_display.h"
+#include "support/x_display.h"
 
 using namespace tool_test;
-using kiv::vl::test::VirtualScreen;
+using kiv_test::VirtualScreen;
 using nlohmann::json;
 using testing::HasSubstr;
 

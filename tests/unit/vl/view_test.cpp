@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "scratch.h"
-#include "x_display.h"
+#include "support/x_display.h"
 
 // SDL leaves what libdbus keeps for the process: other users of libdbus in it may need it.
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() { return "leak:libdbus-1.so"; }
@@ -18,6 +18,7 @@ extern "C" __attribute__((visibility("default"))) const char* __lsan_default_sup
 namespace kiv::vl::test {
 namespace {
 
+using kiv_test::VirtualScreen;
 using testing::ElementsAre;
 using testing::HasSubstr;
 

@@ -16,7 +16,7 @@
 #include <memory>
 #include <string>
 
-namespace kiv::vl::test {
+namespace kiv_test {
 
 /// Starts an X server without a screen that anybody sees, makes it this process's display, and ends it.
 class VirtualScreen {
@@ -131,4 +131,4 @@ private:
     std::unique_ptr<Display, CloseDisplay> display_;
 };
 
-}  // namespace kiv::vl::test
+}  // namespace kiv_test
