@@ -156,16 +156,6 @@ TEST_F(CameraOpen, AFaultyDescriptionIsAGenICamErrorAndLeavesNothingOpen) {
     }
 }
 
-TEST_F(CameraOpen, ASecondOpenIsTheProducersBusiness) {
-    ASSERT_NO_FATAL_FAILURE(OpenCamera());
-    CAM_HANDLE second = nullptr;
-    EXPECT_STATUS(K_ST_RESOURCE_IN_USE, K_Camera_Open_Proxy(factory, camera_id.c_str(), &second));
-    EXPECT_EQ(nullptr, second);
-    EXPECT_EQ("Scripted", Text("DeviceModelName")) << "the first one goes on";
-    CloseCamera();
-    EXPECT_STATUS(K_ST_SUCCESS, Open());
-}
-
 TEST_F(CameraOpen, ClosingWithNothingOpenDoesNothing) {
     ASSERT_NO_FATAL_FAILURE(OpenCamera());
     auto stale = camera;
@@ -210,20 +200,6 @@ TEST_F(CameraOpen, CloseSucceedsWhenTheDeviceIsGone) {
     CloseCamera();
     EXPECT_EQ(1u, producer->Count("DevClose"));
     CloseFactory();
-}
-
-TEST_F(CameraOpen, TellsWhereItHangs) {
-    ASSERT_NO_FATAL_FAILURE(OpenCamera());
-    TRANSPORT_LAYER_HANDLE layer = nullptr, listed = nullptr;
-    INTERFACE_HANDLE interface = nullptr;
-    void* device = nullptr;
-    EXPECT_STATUS(K_ST_SUCCESS, K_Camera_GetTLHandle(camera, &layer));
-    EXPECT_STATUS(K_ST_SUCCESS, K_GenTL_GetTransportLayerByIndex(factory, 0, &listed, nullptr, 0));
-    EXPECT_EQ(listed, layer);
-    EXPECT_STATUS(K_ST_SUCCESS, K_Camera_GetInterfaceHandle(camera, &interface));
-    EXPECT_NE(nullptr, interface);
-    EXPECT_STATUS(K_ST_SUCCESS, K_Camera_GetLocalDeviceHandle(camera, &device));
-    EXPECT_EQ(&producer->FirstDevice(), device);
 }
 
 TEST_F(CameraOpenGigE, IFOpenDeviceMcHandsOutTheProducersDevice) {

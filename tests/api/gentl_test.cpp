@@ -94,20 +94,6 @@ TEST_F(GenTLTree, ForwardersHandOnStatusAndSizeAsTheyAre) {
     }
 }
 
-TEST_F(GenTLTree, AFactoryThatHasBoundNothingHasNoLayers) {
-    CloseFactory();
-    auto registry = write_registry(folder, "registry.xml", {{key, producer.Path()}});
-    ASSERT_STATUS(K_ST_SUCCESS, K_Factory_Open(registry.c_str(), &factory));
-    std::uint32_t count = 9;
-    EXPECT_STATUS(K_ST_SUCCESS, K_GenTL_GetNumberOfTransportLayers(factory, &count));
-    EXPECT_EQ(0u, count) << "producers are bound by the first list";
-    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_GenTL_GetTransportLayerByIndex(factory, 0, &layer, nullptr, 0));
-    EXPECT_STATUS(K_ST_NO_DATA, K_GenTL_GetTransportLayerByName(factory, key, &layer));
-    bool changed = false;
-    EXPECT_STATUS(K_ST_SUCCESS, K_Factory_UpdateCameraList(factory, &changed));
-    EXPECT_STATUS(K_ST_SUCCESS, K_GenTL_GetTransportLayerByName(factory, key, &layer));
-}
-
 // Sub-features are INode handles here and IValue handles at a camera: both name the same node.
 TEST_F(GenTLTree, ModulesAreWalkedLikeCameras) {
     ASSERT_STATUS(K_ST_SUCCESS, K_Camera_Open_Proxy(factory, camera_id.c_str(), &camera));

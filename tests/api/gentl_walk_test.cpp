@@ -65,20 +65,6 @@ TEST_F(GenTLWalk, ListsAreTheProducers) {
     EXPECT_STATUS(K_ST_NO_DATA, K_GenTL_GetTransportLayerByName(factory, "NOBODY", &named));
 }
 
-TEST_F(GenTLWalk, ChecksComeInTheirOrder) {
-    std::uint32_t count = 0;
-    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_GenTL_IFGetNumDevices(nullptr, nullptr)) << "the result is tested first here";
-    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_GenTL_IFGetNumDevices(nullptr, &count));
-    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_Camera_GetTransportLayerName(nullptr, nullptr, nullptr)) << "no handle error here";
-    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_GenTL_TLGetNumInterfaces(nullptr, nullptr));
-    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_GenTL_TLGetNumInterfaces(reinterpret_cast<TRANSPORT_LAYER_HANDLE>(opened), &count));
-    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_GenTL_TLGetInterfaceID(layer, 0, nullptr, nullptr));
-    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_GenTL_GetNumOfNodes(nullptr, nullptr));
-    EXPECT_STATUS(K_ST_INVALID_PARAMETER, K_GenTL_GetNumOfNodes(layer, nullptr));
-    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_GenTL_GetNumOfNodes(&count, &count)) << "no module of ours";
-    EXPECT_STATUS(K_ST_INVALID_HANDLE, K_GenTL_DevGetPort(&count, nullptr));
-}
-
 TEST_F(GenTLWalk, ADeviceOpenedByHandBecomesACamera) {
     char id[128];
     ASSERT_NO_FATAL_FAILURE(FindDevice(id));

@@ -165,18 +165,5 @@ TEST_F(GigEEvents, AWaitThatNeverReturnsDoesNotKeepTheCameraOpen) {
     EXPECT_THAT(producer->Calls(), ::testing::IsEmpty()) << "nothing is called for a camera that is closed";
 }
 
-TEST(GigEEventsElsewhere, OtherProducersAreNotAsked) {
-    struct U3v : ScriptedFactory {
-        void TestBody() override {}
-        void Run() {
-            ASSERT_NO_FATAL_FAILURE(OpenCamera());
-            CloseCamera();
-            EXPECT_EQ(0u, producer->Count("GCRegisterEvent"));
-            TearDown();
-        }
-    } test;
-    test.Run();
-}
-
 }  // namespace
 }  // namespace kiv_test

@@ -278,14 +278,5 @@ TEST_F(NodeValue, CallbacksRunOncePerRegistrationOnTheThreadOfTheChange) {
     EXPECT_NE(std::this_thread::get_id(), fired_on);
 }
 
-TEST_F(NodeValue, CallbacksFollowDependencies) {
-    fired.clear();
-    EXPECT_STATUS(K_ST_SUCCESS, K_Node_RegisterCallback(Node("DoubleWidth"), note));
-    EXPECT_EQ(640, Int("DoubleWidth"));
-    EXPECT_STATUS(K_ST_SUCCESS, K_Node_SetValueInt64(Node("Width"), true, 64));
-    EXPECT_EQ(std::vector<std::string>{"DoubleWidth"}, fired);
-    EXPECT_EQ(128, Int("DoubleWidth"));
-}
-
 }  // namespace
 }  // namespace kiv_test

@@ -58,15 +58,6 @@ TEST_F(RegisterPort, TheErrorNamesTheNode) {
     EXPECT_STREQ("Faulty", last_genicam_error().sNodeName);
 }
 
-TEST_F(RegisterPort, AnAddressOutsideTheDeviceIsTheProducersError) {
-    std::int64_t value = 5;
-    EXPECT_GENICAM_ERROR("ReadData returned Invalid Address Error in Read. Addr=0x9000", "Faulty",
-                         K_Camera_GetValueInt64(camera, "Faulty", &value));
-    EXPECT_EQ(5, value);
-    EXPECT_GENICAM_ERROR("WriteData returned Invalid Address Error in Write. Addr=0x9000", "Faulty",
-                         K_Camera_SetValueInt64(camera, "Faulty", 1));
-}
-
 TEST_F(RegisterPort, RawAccessMovesBytes) {
     std::uint32_t value = 0;
     std::uint32_t size = sizeof value;
