@@ -66,11 +66,11 @@ endfunction()
 # The programs whose cases carry the label "threads": all that the thread sanitizer's build needs.
 add_custom_target(thread_tests)
 
-# kiv_test(name SOURCES a.cpp [LINK libs...] [LABELS l...] [ENVIRONMENT K=V...])
-# A GoogleTest program; each of its cases is a case of ctest.
+# kiv_test(name SOURCES a.cpp [LINK libs...] [LABELS l...] [ENVIRONMENT K=V...] [TIMEOUT seconds] [ALONE])
+# A GoogleTest program; each of its cases is a case of ctest. ALONE: no other case runs beside one of these.
 include(GoogleTest)
 function(kiv_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(ARG "ALONE" "TIMEOUT" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
@@ -81,7 +81,7 @@ function(kiv_test name)
   endif()
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE ${ARG_LINK} kiv_options GTest::gtest GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${ARG_TIMEOUT} RUN_SERIAL ${ARG_ALONE})
   # Lists of several values do not survive the discovery's own property list: set when the cases are known.
   file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}_properties.cmake CONTENT
     "if(${name}_TESTS)\n  set_tests_properties(\${${name}_TESTS} PROPERTIES LABELS \"${ARG_LABELS}\" ENVIRONMENT \"${ARG_ENVIRONMENT}\")\nendif()\n")

@@ -6,12 +6,16 @@ Makes COUNT pairs and in FOLDER the names near0, far0, near1, ... for their ends
 A line carries bytes while both ends work at one rate, as a real one does. When the far end is closed the line is dead and the near end
 hangs up; then the names belong to a new pair.
 """
+import fcntl
 import os
 import pathlib
 import select
+import struct
 import sys
 import termios
 import tty
+
+UNLOCK, NUMBER = 0x40045431, 0x80045430  # TIOCSPTLCK and TIOCGPTN, of which this library does not know
 
 
 def rate(master):
@@ -27,18 +31,17 @@ class Line:
 
     def make(self):
         for name in self.names:
-            master, slave = os.openpty()
-            tty.setraw(slave)
+            master = os.open("/dev/ptmx", os.O_RDWR | os.O_NOCTTY)
+            fcntl.ioctl(master, UNLOCK, struct.pack("i", 0))
+            number, = struct.unpack("i", fcntl.ioctl(master, NUMBER, struct.pack("i", 0)))
+            tty.setraw(master)
             fresh = name.with_suffix(".new")
             fresh.unlink(missing_ok=True)
-            fresh.symlink_to(os.ttyname(slave))
+            fresh.symlink_to(f"/dev/pts/{number}")
             fresh.rename(name)
-            if name is self.names[0]:
-                # Kept open by us: the near end may be closed and opened again.
-                self.keeper = slave
-            else:
-                os.close(slave)
             self.masters.append(master)
+        # Kept open by us: the near end may be closed and opened again. The far end, as long as nobody has opened it, is not dead.
+        self.keeper = os.open(self.names[0], os.O_RDWR | os.O_NOCTTY)
 
     def renew(self):
         for number in [*self.masters, self.keeper]:

@@ -14,10 +14,11 @@ constexpr const char* source = "FileParser";
 
 bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
-// "/C|/x" and "/C:/x" are "C:/x"; "//host-less/x" keeps one slash; what has none is relative.
+// "/C|/x", "/C:/x" and (wrong, but written) "//C:/x" are "C:/x"; "//host-less/x" keeps one slash; what has none is relative.
 std::string local_path(std::string path) {
     if (path.starts_with("///")) path.erase(0, 2);
     if (path.starts_with("//localhost/")) path.erase(0, 11);
+    if (path.size() > 3 && path.starts_with("//") && is_letter(path[2]) && (path[3] == ':' || path[3] == '|')) path.erase(0, 1);
     if (path.size() > 2 && path[0] == '/' && is_letter(path[1]) && (path[2] == ':' || path[2] == '|')) path.erase(0, 1);
     if (path.size() > 1 && is_letter(path[0]) && path[1] == '|') path[1] = ':';
     return path;

@@ -25,19 +25,19 @@ TempFolder::~TempFolder() {
 }
 
 std::string TempFolder::Write(const std::string& name, const std::string& content) const {
-    auto path = path_ / name;
+    auto path = kiv::platform::path_from_utf8(In(name));
     fs::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << content;
-    return path.string();
+    return In(name);
 }
 
 std::string TempFolder::MakeFolder(const std::string& name) const {
-    fs::create_directories(path_ / name);
+    fs::create_directories(kiv::platform::path_from_utf8(In(name)));
     return In(name);
 }
 
 std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(kiv::platform::path_from_utf8(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 

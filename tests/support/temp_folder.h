@@ -1,5 +1,7 @@
-/// A folder of its own for each test, gone with everything in it when the test ends.
+/// A folder of its own for each test, gone with everything in it when the test ends. Names and paths are UTF-8.
 #pragma once
+
+#include <kiv/platform/paths.h>
 
 #include <filesystem>
 #include <string>
@@ -14,9 +16,11 @@ public:
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    std::string Path() const { return path_.string(); }
+    std::string Path() const { return kiv::platform::utf8_from_path(path_); }
     /// The path of a name in the folder; nothing is made.
-    std::string In(const std::string& name) const { return (path_ / name).string(); }
+    std::string In(const std::string& name) const {
+        return kiv::platform::utf8_from_path((path_ / kiv::platform::path_from_utf8(name)).make_preferred());
+    }
     /// Writes a file (and the folders that its name wants) and gives its path.
     std::string Write(const std::string& name, const std::string& content) const;
     std::string MakeFolder(const std::string& name) const;

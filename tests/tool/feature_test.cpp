@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "kiv_process.h"
+#include "support/patterns.h"
 
 using namespace tool_test;
 using nlohmann::json;
@@ -66,9 +67,9 @@ TEST(KivFeatures, PrintATreeAndExplainOne) {
     Bench bench;
     const Result tree = bench.Kiv({"features", "0"});
     EXPECT_EQ(tree.exit, 0);
-    EXPECT_THAT(tree.out, AllOf(testing::ContainsRegex("\nImageFormatControl\n"),
-                                testing::ContainsRegex("\n  Width +RW  320 +[0-9]+ \\.\\. 320"),
-                                testing::ContainsRegex("\n  AcquisitionStart +WO +\\(command\\)")));
+    EXPECT_THAT(tree.out,
+                AllOf(kiv_test::HasLike("\nImageFormatControl\n"), kiv_test::HasLike("\n  Width +RW  320 +[0-9]+ \\.\\. 320"),
+                      kiv_test::HasLike("\n  AcquisitionStart +WO +\\(command\\)")));
     EXPECT_THAT(bench.Kiv({"features", "0", "PixelFormat"}).out, AllOf(HasSubstr("enumeration"), HasSubstr("BayerRG12p")));
     EXPECT_THAT(bench.Kiv({"features", "0", "Gain"}).out, HasSubstr("  selected by    GainSelector=All\n"));
     EXPECT_THAT(bench.Kiv({"features", "0", "GainSelector"}).out, HasSubstr("  selects        Gain, GainFactor\n"));

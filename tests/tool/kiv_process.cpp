@@ -24,11 +24,17 @@ const nlohmann::json kCameras = nlohmann::json::parse(R"([
     {"id": "SIM1", "cameras": [{"serial": "B2", "user_id": "right", "model": "Grey", "color": false, "width": 320, "height": 240,
                                 "frame_rate": 200, "url": "plain"}]}])");
 
+/// Without what some systems end lines with.
+std::string plain(std::string text) {
+    std::erase(text, '\r');
+    return text;
+}
+
 }  // namespace
 
 Result Running::Wait() {
     const int exit = process_->Wait();
-    return {exit, kiv_test::read_file(out_), kiv_test::read_file(err_)};
+    return {exit, plain(kiv_test::read_file(out_)), plain(kiv_test::read_file(err_))};
 }
 
 Bench::Bench() : variables_(bare_environment()) {

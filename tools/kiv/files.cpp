@@ -5,10 +5,11 @@
 #include "error.h"
 
 std::filesystem::path made_folder(const std::string& name) {
+    const std::filesystem::path folder(std::u8string(name.begin(), name.end()));
     std::error_code error;
-    std::filesystem::create_directories(name, error);
+    std::filesystem::create_directories(folder, error);
     if (error) throw ToolError(ExitCode::kFailed, "the folder \"" + name + "\" cannot be made: " + error.message());
-    return name;
+    return folder;
 }
 
 void write_text_file(const std::filesystem::path& path, const std::string& text) {

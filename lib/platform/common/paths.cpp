@@ -96,8 +96,9 @@ bool path_exists(std::string_view path) noexcept try {
 }
 
 void create_folders(std::string_view path) {
-    fs::path level;
-    for (const fs::path& part : path_from_utf8(path)) {
+    const fs::path whole = path_from_utf8(path);
+    fs::path level = whole.root_path();
+    for (const fs::path& part : whole.relative_path()) {
         level /= part;
         std::error_code error;
         if (fs::is_directory(level, error)) continue;

@@ -77,7 +77,8 @@ std::unique_ptr<Event> Event::CreateNamed(const std::string& name, ResetMode mod
 
 std::unique_ptr<Event> Event::OpenNamed(const std::string& name) {
     const HANDLE found = OpenEventW(EVENT_ALL_ACCESS, FALSE, checked_name(name).c_str());
-    if (!found && GetLastError() == ERROR_FILE_NOT_FOUND) return nullptr;
+    // The second: a "\" elsewhere than in "Global\" and "Local\", which no event can have.
+    if (!found && (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND)) return nullptr;
     if (!found) fail("cannot open the named event");
     const ResetMode mode = mode_of(found, ResetMode::automatic);
     return std::unique_ptr<Event>(new Event(reinterpret_cast<std::intptr_t>(found), mode, std::string()));

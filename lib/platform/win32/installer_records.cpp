@@ -1,5 +1,6 @@
 #include "kiv/platform/installer_records.h"
 
+#include <algorithm>
 #include <array>
 
 #include "kiv/platform/text.h"
@@ -47,13 +48,15 @@ std::optional<std::uint32_t> installer_number(const std::string& key, const std:
 std::optional<std::string> installer_text(const std::string& key, const std::string& value) {
     const OwnedKey opened = open_key(key);
     if (!opened) return std::nullopt;
-    std::wstring text(32768, L'\0');
-    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    const LSTATUS status =
-        RegGetValueW(opened.get(), nullptr, wide_from_utf8(value).c_str(), RRF_RT_REG_SZ, nullptr, text.data(), &size);
-    if (status != ERROR_SUCCESS) return std::nullopt;
-    text.resize(text.find(L'\0'));
-    return utf8_from_wide(text);
+    const std::wstring name = wide_from_utf8(value);
+    std::wstring text(256, L'\0');
+    for (;;) {
+        auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+        const LSTATUS status = RegGetValueW(opened.get(), nullptr, name.c_str(), RRF_RT_REG_SZ, nullptr, text.data(), &size);
+        if (status == ERROR_SUCCESS) return utf8_from_wide(text.c_str());
+        if (status != ERROR_MORE_DATA) return std::nullopt;
+        text.resize(std::max(text.size() * 2, size / sizeof(wchar_t) + 1));
+    }
 }
 
 }  // namespace kiv::platform

@@ -26,6 +26,24 @@ void write_all(HANDLE file, std::span<const std::byte> bytes, std::string_view p
     }
 }
 
+/// A file cannot be replaced while somebody reads it, nor opened while it is being replaced: neither lasts long, so it is tried
+/// again.
+template <typename Attempt>
+bool succeeds_soon(Attempt attempt) {
+    constexpr int patience = 500;  // milliseconds
+    for (int waited = 0;; ++waited) {
+        if (attempt()) return true;
+        const DWORD reason = GetLastError();
+        if ((reason != ERROR_ACCESS_DENIED && reason != ERROR_SHARING_VIOLATION) || waited == patience) return false;
+        Sleep(1);
+    }
+}
+
+bool is_folder(const std::wstring& path) noexcept {
+    const DWORD found = GetFileAttributesW(path.c_str());
+    return found != INVALID_FILE_ATTRIBUTES && (found & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 /// A file that is removed again unless it got its final name.
 class TemporaryFile {
 public:
@@ -47,7 +65,8 @@ public:
     HANDLE Get() const noexcept { return file_.get(); }
     bool MoveTo(const std::wstring& path) noexcept {
         file_.reset();  // an open file cannot be renamed
-        if (!MoveFileExW(name_.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
+        const auto move = [&] { return MoveFileExW(name_.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING) != 0; };
+        if (is_folder(path) ? !move() : !succeeds_soon(move)) return false;
         there_ = false;
         return true;
     }
@@ -63,7 +82,7 @@ private:
 std::string module_file(const void* address) {
     HMODULE module = nullptr;
     constexpr DWORD by_address = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (!GetModuleHandleExW(by_address, static_cast<LPCWSTR>(address), &module)) return {};
+    if (!address || !GetModuleHandleExW(by_address, static_cast<LPCWSTR>(address), &module)) return {};
     std::wstring name(MAX_PATH, L'\0');
     for (;;) {
         const DWORD length = GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size()));
@@ -93,9 +112,14 @@ void write_file_atomically(std::string_view path, std::span<const std::byte> byt
 
 std::string read_file(std::string_view path, std::uint64_t limit) {
     constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const OwnedHandle file = owned_file(
-        CreateFileW(wide_from_utf8(path).c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) fail("read", path);
+    const std::wstring name = wide_from_utf8(path);
+    OwnedHandle file;
+    const auto open = [&] {
+        file = owned_file(CreateFileW(name.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        return file != nullptr;
+    };
+    if (is_folder(name)) throw FileError("cannot read '" + std::string(path) + "': it is no file");
+    if (!succeeds_soon(open)) fail("read", path);
     if (GetFileType(file.get()) != FILE_TYPE_DISK) throw FileError("cannot read '" + std::string(path) + "': it is no file");
     std::string content;
     std::array<char, 65536> chunk;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace kiv_test {
 
@@ -12,8 +13,14 @@ std::string no_such_library();
 /// Makes the file or library known under a second name too: a link where users may make some, a copy elsewhere.
 void give_second_name(const std::string& file, const std::string& name);
 
+/// What stands between the folders of a list, beside ";".
+extern const std::string list_separator;
+
 /// What file names of libraries end with.
 extern const char* const library_suffix;
+
+/// The names that a library shows to whoever loads it, sorted.
+std::vector<std::string> exported_names(const std::string& library);
 
 /// A file of which nothing can be read, and whose readers wait until it is let go.
 class BlockingFile {

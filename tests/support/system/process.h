@@ -24,7 +24,8 @@ public:
     /// The next line that a talking program printed, to either of its outputs; empty when it ended.
     std::string ReadLine();
     void EndInput();
-    /// As the user's Ctrl-C does.
+    /// As the user's Ctrl-C does, where there is a console to press it on.
+    static bool CanInterrupt();
     void Interrupt();
     /// Ends it as a crash would: nothing in it gets a chance to clean up.
     void Kill();

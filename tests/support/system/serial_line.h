@@ -15,6 +15,8 @@ class SerialLine {
 public:
     /// Whether there are lines on this system.
     static bool IsThere();
+    /// Whether the system keeps a port for its first opener.
+    static bool IsExclusive();
     /// Throws std::runtime_error.
     SerialLine();
     ~SerialLine();

@@ -59,7 +59,7 @@ TEST_F(DescriptionCacheTest, PlainDescriptionsAreStoredUnderTheirName) {
     EXPECT_EQ(DescriptionCache().Keep("a.xml", "<one/>"), "<one/>");
     EXPECT_EQ(Stored("a.xml"), "<one/>");
     EXPECT_EQ(DescriptionCache().Keep("a.xml", "<two/>"), "<two/>") << "an earlier file is replaced";
-    EXPECT_EQ(DescriptionCache().Folder(), (root_ / "GenICam/xml/TransportLayers/KIV").string());
+    EXPECT_EQ(std::filesystem::path(DescriptionCache().Folder()), root_ / "GenICam/xml/TransportLayers/KIV");
 }
 
 TEST_F(DescriptionCacheTest, AnArchiveIsUnpackedOnceAndThenReadFromItsFile) {

@@ -70,9 +70,9 @@ TEST(FileUrl, NamesAFileThatOpens) {
     std::filesystem::create_directories(folder);
     auto file = folder / "my camera.xml";
     std::ofstream(file) << "<x/>";
-    auto url = "file://" + folder.parent_path().string() + "/kiv%20file%20url%20test/my%20camera.xml?SchemaVersion=1.1.0";
-    EXPECT_EQ(CFileParser(CURLParser(url)).Path(), file.string());
-    EXPECT_EQ(CFileParser(CURLParser("FILE:" + file.string())).Path(), file.string());
+    auto url = "file://" + folder.parent_path().generic_string() + "/kiv%20file%20url%20test/my%20camera.xml?SchemaVersion=1.1.0";
+    EXPECT_EQ(std::filesystem::path(CFileParser(CURLParser(url)).Path()), file);
+    EXPECT_EQ(std::filesystem::path(CFileParser(CURLParser("FILE:" + file.string())).Path()), file);
     std::filesystem::remove_all(folder);
     try {
         CFileParser gone{CURLParser(url)};

@@ -23,8 +23,10 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    std::string Path() const { return path_.string(); }
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+    std::string Path() const { return platform::utf8_from_path(path_); }
+    std::string operator/(const std::string& name) const {
+        return platform::utf8_from_path(path_ / platform::path_from_utf8(name));
+    }
     /// Writes the file and answers its path.
     std::string Write(const std::string& name, std::string_view text) const {
         platform::write_file_atomically(*this / name, text);

@@ -20,7 +20,8 @@ protected:
         Open();
         const std::string url = camera->Url();
         if (url.starts_with("file:///")) {
-            std::ifstream file(url.substr(7), std::ios::binary);
+            const bool has_drive = url.size() > 9 && url[9] == ':';
+            std::ifstream file(url.substr(has_drive ? 8 : 7), std::ios::binary);
             std::ostringstream text;
             text << file.rdbuf();
             return text.str();

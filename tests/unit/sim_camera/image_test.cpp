@@ -406,9 +406,9 @@ TEST_F(Images, PngAndTiffArePlayedToo) {
     png.width = width;
     png.height = height;
     png.format = PNG_FORMAT_RGB;
-    ASSERT_TRUE(png_image_write_to_file(&png, (folder / "play" / "1.png").c_str(), 0, colors.data(), 0, nullptr));
+    ASSERT_TRUE(png_image_write_to_file(&png, (folder / "play" / "1.png").string().c_str(), 0, colors.data(), 0, nullptr));
     auto write_tiff = [&](const char* name, uint16_t samples, uint16_t bits, auto row_of_file) {
-        TIFF* tiff = TIFFOpen((folder / "play" / name).c_str(), "w");
+        TIFF* tiff = TIFFOpen((folder / "play" / name).string().c_str(), "w");
         TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
         TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height);
         TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, samples);

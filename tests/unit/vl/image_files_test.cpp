@@ -1,5 +1,7 @@
 #include <VL.h>
 #include <gmock/gmock.h>
+#include <kiv/platform/paths.h>
+#include <kiv/platform/text.h>
 #include <png.h>
 #include <tiffio.h>
 
@@ -210,12 +212,15 @@ TEST(ImageFiles, TakeWideAndForeignNames) {
     const ScratchFolder folder;
     OwnedImage image(2, 2, VL_IMAGE_MONO8);
     image.Fill({1, 2, 3, 4});
-    const std::string narrow = folder / "Größe 測試.tiff";
+    const std::string narrow = kiv::platform::local_from_utf8(folder / "Größe é.tiff");
     const std::wstring wide = std::filesystem::path(folder / "w").wstring() + L"\u00e9\u6e2c.png";
     ASSERT_EQ(vlStoreToFileA(image, narrow.c_str(), VL_FILE_AUTO), VL_ST_SUCCESS) << vlGetLastErrorText();
     ASSERT_EQ(vlStoreToFileW(image, wide.c_str(), VL_FILE_AUTO), VL_ST_SUCCESS) << vlGetLastErrorText();
     EXPECT_EQ(read_tiff(narrow).pixels, (Bytes{1, 2, 3, 4}));
-    EXPECT_EQ(read_png(folder / "wé測.png").pixels, (Bytes{1, 2, 3, 4}));
+    std::filesystem::copy_file(
+        kiv::platform::path_from_utf8(folder / "wé測.png"),
+        kiv::platform::path_from_utf8(folder / "plain.png"));  // what libpng reads has a name in the user's encoding
+    EXPECT_EQ(read_png(folder / "plain.png").pixels, (Bytes{1, 2, 3, 4}));
 }
 
 TEST(ImageFiles, ThatCannotBeWrittenLeaveNothingBehind) {

@@ -1,6 +1,7 @@
 // What can be done with images once they are there: pixels, tables, histograms, geometry, exposures, chains.
 #include <VL.h>
 #include <gmock/gmock.h>
+#include <kiv/platform/text.h>
 
 #include <cmath>
 #include <functional>
@@ -155,7 +156,7 @@ TEST(Luts, AreKeptInTextFiles) {
     const OwnedLut lut(8, 10, 3);
     ASSERT_EQ(vlCreateGammaLUT(lut, 0.45), VL_ST_SUCCESS);
     ASSERT_EQ(vlSetLUTValue(lut, VL_CHANNEL_GREEN, 3, 1023), VL_ST_SUCCESS);
-    ASSERT_EQ(vlSaveLUTA(lut, path.c_str()), VL_ST_SUCCESS) << vlGetLastErrorText();
+    ASSERT_EQ(vlSaveLUTA(lut, kiv::platform::local_from_utf8(path).c_str()), VL_ST_SUCCESS) << vlGetLastErrorText();
     VL_LUT_HANDLE loaded = nullptr;
     ASSERT_EQ(vlLoadLUTW(wide_path.c_str(), &loaded), VL_ST_SUCCESS) << vlGetLastErrorText();
     for (std::uint32_t i = 0; i < 256; ++i)

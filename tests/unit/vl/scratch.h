@@ -71,7 +71,11 @@ public:
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+    /// Names and paths are UTF-8.
+    std::string operator/(const std::string& name) const {
+        const auto whole = (path_ / std::u8string(name.begin(), name.end())).u8string();
+        return {whole.begin(), whole.end()};
+    }
     std::size_t Entries() const {
         const std::filesystem::directory_iterator all(path_);
         return static_cast<std::size_t>(std::distance(begin(all), end(all)));

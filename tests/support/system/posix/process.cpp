@@ -96,6 +96,8 @@ void Process::EndInput() {
     if (system_->input >= 0) close(std::exchange(system_->input, -1));
 }
 
+bool Process::CanInterrupt() { return true; }
+
 void Process::Interrupt() { kill(system_->process, SIGINT); }
 
 void Process::Kill() {

@@ -48,6 +48,7 @@ struct SerialLine::System {
 };
 
 bool SerialLine::IsThere() { return true; }
+bool SerialLine::IsExclusive() { return true; }
 
 SerialLine::SerialLine() : system_(std::make_unique<System>()) {}
 SerialLine::~SerialLine() = default;

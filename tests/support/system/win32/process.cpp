@@ -122,6 +122,8 @@ std::string Process::ReadLine() {
 
 void Process::EndInput() { system_->input.reset(); }
 
+bool Process::CanInterrupt() { return GetConsoleWindow() != nullptr; }
+
 void Process::Interrupt() { GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, system_->number); }
 
 void Process::Kill() {

@@ -1,6 +1,8 @@
 #include "support/system/serial_line.h"
 
 #include <kiv/platform/environment.h>
+#include <kiv/platform/mapped_file.h>
+#include <kiv/platform/paths.h>
 #include <kiv/platform/serial_port.h>
 
 #include <atomic>
@@ -13,6 +15,7 @@
 namespace kiv_test {
 namespace {
 
+using kiv::platform::FileLock;
 using kiv::platform::SerialPort;
 
 std::string known_lines() { return kiv::platform::get_environment("KIV_TEST_SERIAL_LINES").value_or(""); }
@@ -21,18 +24,34 @@ std::string known_lines() { return kiv::platform::get_environment("KIV_TEST_SERI
 
 struct SerialLine::System {
     std::string path;
+    std::optional<FileLock> lock;
     std::optional<SerialPort> port;
     std::atomic<bool> stop = false;
 };
 
 bool SerialLine::IsThere() { return !known_lines().empty(); }
 
+bool SerialLine::IsExclusive() {
+    const SerialLine line;
+    const SerialPort first(line.Path());
+    try {
+        const SerialPort second(line.Path());
+        return false;
+    } catch (const std::system_error&) {
+        return true;
+    }
+}
+
 SerialLine::SerialLine() : system_(std::make_unique<System>()) {
     std::istringstream lines(known_lines());
     for (std::string line; std::getline(lines, line, ';');) try {
             const auto middle = line.find('=');
+            const std::string far_end = line.substr(middle + 1);
+            // Not every system keeps a port for its first opener.
+            system_->lock = FileLock::TryAcquire(kiv::platform::join_path(kiv::platform::temp_folder(), "kiv-test-" + far_end));
+            if (!system_->lock) continue;
             system_->path = line.substr(0, middle);
-            system_->port.emplace(line.substr(middle + 1));
+            system_->port.emplace(far_end);
             return;
         } catch (const std::system_error&) {  // another test's
         }
