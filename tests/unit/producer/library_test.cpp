@@ -1,7 +1,11 @@
+#include <kiv/platform/environment.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <thread>
 
 #include "producer_fixture.h"
+#include "support/system/habits.h"
 
 namespace kiv::test {
 namespace {
@@ -22,22 +26,48 @@ TEST_F(Library, IsInitialisedOnceAndClosedOnce) {
 }
 
 TEST_F(Library, ShowsTheGenTLFunctionsOnly) {
-    const std::string list = folder / "names";
-    ASSERT_EQ(0, std::system(("nm -D --defined-only " KIV_SIM_PRODUCER " | awk '{print $3}' | sort > " + list).c_str()));
-    std::string expected;
     std::vector<std::string> names;
 #define KIV_NAME(name, arguments) names.push_back(#name);
     GENTL_FUNCTION_LIST(KIV_NAME)
 #undef KIV_NAME
     std::sort(names.begin(), names.end());
-    for (const std::string& name : names) expected += name + "\n";
     EXPECT_EQ(57u, names.size());
-    std::string shown = platform::read_file(list, 1 << 20);
-    std::vector<std::string> lines;
-    for (size_t at = 0, end; (end = shown.find('\n', at)) != shown.npos; at = end + 1)
-        lines.push_back(shown.substr(at, end - at));
-    std::sort(lines.begin(), lines.end());
-    EXPECT_EQ(names, lines);
+    EXPECT_EQ(names, kiv_test::exported_names(KIV_SIM_PRODUCER));
+}
+
+TEST_F(Library, TellsItsLogWhatTheEnvironmentAsksFor) {
+    const std::vector<std::string> kinds = {"TLOpenInterface(", "TLOpen(", "IFOpenDevice(", "GCReadPort(",
+                                            " read 4 bytes at 0x20100: 80 00 00 00"};
+    const struct {
+        const char *calls, *link, *level;
+        std::vector<bool> told;  ///< of each kind: a failure, a refusal, what opens, everything, a transfer
+    } rows[] = {
+        {"TRUE", "TRUE", "1", {false, false, false, false, false}}, {"TRUE", "TRUE", "2", {true, false, false, false, false}},
+        {"TRUE", "TRUE", "3", {true, true, false, false, false}},   {"TRUE", "TRUE", "4", {true, true, true, false, false}},
+        {"TRUE", "TRUE", "6", {true, true, true, true, true}},      {"", "TRUE", "6", {false, false, false, false, true}},
+        {"TRUE", "", "6", {true, true, true, true, false}},         {"", "", "6", {false, false, false, false, false}}};
+    for (auto& row : rows) {
+        const std::string log = folder / ("log" + std::to_string(&row - rows));
+        platform::set_environment("KIV_GENTL_LOGGING", row.calls);
+        platform::set_environment("KIV_LIBUSB_LOGGING", row.link);
+        platform::set_environment("KIV_LOG_LEVEL", row.level);
+        platform::set_environment("KIV_SIM_LOG", log);
+        system = nullptr, interface = nullptr;
+        ASSERT_NO_FATAL_FAILURE(OpenSystem());
+        IF_HANDLE none = nullptr;
+        EXPECT_EQ(GC_ERR_INVALID_ID, gentl.TLOpenInterface(system, "nowhere", &none));
+        TL_HANDLE second = nullptr;
+        EXPECT_EQ(GC_ERR_RESOURCE_IN_USE, gentl.TLOpen(&second));
+        ASSERT_NO_FATAL_FAILURE(OpenDevice());
+        EXPECT_EQ(128u, Read32(camera_register::width));
+        ASSERT_EQ(GC_ERR_SUCCESS, gentl.GCCloseLib());
+        const std::string text = platform::read_file(log, 1 << 20);
+        for (size_t i = 0; i < kinds.size(); ++i)
+            EXPECT_EQ(row.told[i], text.find(kinds[i]) != text.npos) << row.calls << row.link << row.level << "\n" << text;
+        EXPECT_EQ(row.told[0], text.find("nowhere") != text.npos) << "the reason of the failure";
+    }
+    for (auto* name : {"KIV_GENTL_LOGGING", "KIV_LIBUSB_LOGGING", "KIV_LOG_LEVEL", "KIV_SIM_LOG"})
+        platform::unset_environment(name);
 }
 
 TEST_F(Library, SaysTheSameOfItselfBeforeAndAfterTLOpen) {
