@@ -2,87 +2,107 @@
 
 #include <kiv/platform/debug_output.h>
 #include <kiv/platform/paths.h>
-#include <kiv/platform/text.h>
 
+#include <memory>
 #include <optional>
-#include <string_view>
+#include <stdexcept>
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+
+#include "settings/xerces_session.h"
 
 namespace kiv {
 
 namespace {
 
-// As DOM serializers of the XML library lay a document out; readers of scripts compare files.
-constexpr std::string_view head =
-    "<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"no\" ?>\r\n<Script>\r\n\r\n  <CommandList>\r\n";
-constexpr std::string_view before_name = "    <Command>\r\n      <FeatureName>";
-constexpr std::string_view between = "</FeatureName>\r\n      <FeatureValue";
-constexpr std::string_view after_value = "    </Command>\r\n";
-constexpr std::string_view tail = "  </CommandList>\r\n\r\n</Script>\r\n";
-
-/// Bytes that are no UTF-8 are read as Latin-1, so that no value is lost.
-std::string utf8_or_latin1(const std::string& text) {
-    if (platform::is_valid_utf8(text)) return text;
-    std::string utf8;
-    for (const char each : text) {
-        const auto code = static_cast<unsigned char>(each);
-        if (code < 0x80) {
-            utf8 += each;
-        } else {
-            utf8 += static_cast<char>(0xC0 | code >> 6);
-            utf8 += static_cast<char>(0x80 | (code & 0x3F));
-        }
+struct Release {
+    template <class Object>
+    void operator()(Object* object) const {
+        object->release();
     }
-    return utf8;
+};
+template <class Object>
+using Owned = std::unique_ptr<Object, Release>;
+
+xercesc::DOMImplementation& implementation() {
+    auto* found = xercesc::DOMImplementationRegistry::getDOMImplementation(XercesText("LS").Get());
+    if (!found) throw std::runtime_error("the XML library cannot write documents");
+    return *found;
 }
 
-/// False: `text` has a character that no XML document can hold.
-bool append_escaped(std::string& out, const std::string& text) {
+xercesc::DOMElement& append(xercesc::DOMDocument& document, xercesc::DOMNode& parent, const char* name) {
+    auto* element = document.createElement(XercesText(name).Get());
+    parent.appendChild(element);
+    return *element;
+}
+
+void append_text(xercesc::DOMDocument& document, xercesc::DOMNode& parent, const char* name, const std::string& text) {
+    auto& element = append(document, parent, name);
+    if (!text.empty()) element.appendChild(document.createTextNode(XercesText(text).Get()));
+}
+
+void configure(xercesc::DOMLSSerializer& writer, const XercesText& line_end) {
+    writer.setNewLine(line_end.Get());
+    const struct {
+        const XMLCh* feature;
+        bool value;
+    } settings[] = {{xercesc::XMLUni::fgDOMWRTSplitCdataSections, false},
+                    {xercesc::XMLUni::fgDOMWRTDiscardDefaultContent, false},
+                    {xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true},
+                    {xercesc::XMLUni::fgDOMWRTBOM, false}};
+    auto* configuration = writer.getDomConfig();
+    for (auto& each : settings)
+        if (configuration->canSetParameter(each.feature, each.value)) configuration->setParameter(each.feature, each.value);
+}
+
+/// Whether an XML document can hold the text. The XML library would refuse it as well, without telling which setting it was.
+bool is_xml_text(const std::string& text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const char each = text[i];
-        switch (each) {
-            case '<':
-                out += "&lt;";
-                break;
-            case '>':
-                out += "&gt;";
-                break;
-            case '&':
-                out += "&amp;";
-                break;
-            case '\r':
-                out += "&#xD;";
-                break;
-            default:
-                if (static_cast<unsigned char>(each) < ' ' && each != '\t' && each != '\n') return false;
-                if (text.compare(i, 2, "\xEF\xBF") == 0 && i + 2 < text.size() && static_cast<unsigned char>(text[i + 2]) >= 0xBE)
-                    return false;  // U+FFFE and U+FFFF
-                out += each;
-        }
+        const auto each = static_cast<unsigned char>(text[i]);
+        if (each < ' ' && each != '\t' && each != '\n' && each != '\r') return false;
+        // U+FFFE and U+FFFF
+        if (text.compare(i, 2, "\xEF\xBF") == 0 && i + 2 < text.size() && static_cast<unsigned char>(text[i + 2]) >= 0xBE)
+            return false;
     }
     return true;
 }
 
-/// Nothing when a setting cannot be written; the debugger output says which.
-std::optional<std::string> script_text(const std::string& file, const Settings& settings) {
-    std::string text(head);
+std::string document_text(const Settings& settings) {
+    auto& dom = implementation();
+    Owned<xercesc::DOMDocument> document(dom.createDocument(nullptr, XercesText("Script").Get(), nullptr));
+    document->setXmlVersion(XercesText("1.0").Get());
+    auto& commands = append(*document, *document->getDocumentElement(), "CommandList");
     for (auto& setting : settings) {
-        text += before_name;
-        bool is_whole = append_escaped(text, utf8_or_latin1(setting.feature));
-        text += between;
-        if (setting.value.empty()) {
-            text += "/>\r\n";
-        } else {
-            text += '>';
-            is_whole = append_escaped(text, utf8_or_latin1(setting.value)) && is_whole;
-            text += "</FeatureValue>\r\n";
-        }
-        text += after_value;
-        if (is_whole) continue;
+        auto& command = append(*document, commands, "Command");
+        append_text(*document, command, "FeatureName", setting.feature);
+        append_text(*document, command, "FeatureValue", setting.value);
+    }
+    Owned<xercesc::DOMLSSerializer> writer(dom.createLSSerializer());
+    const XercesText line_end("\r\n"), encoding("utf-8");
+    configure(*writer, line_end);
+    Owned<xercesc::DOMLSOutput> output(dom.createLSOutput());
+    output->setEncoding(encoding.Get());
+    xercesc::MemBufFormatTarget target;
+    output->setByteStream(&target);
+    if (!writer->write(document.get(), output.get())) throw std::runtime_error("the XML library gave the document up");
+    return std::string(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen());
+}
+
+/// Nothing when a setting cannot be written; the debugger output says which, or why.
+std::optional<std::string> script_text(const std::string& file, const Settings& settings) {
+    for (auto& setting : settings) {
+        if (is_xml_text(setting.feature) && is_xml_text(setting.value)) continue;
         platform::debug_print("Writing " + file + ": the value of '" + setting.feature +
                               "' has a character that XML cannot hold\n");
         return std::nullopt;
     }
-    return text.append(tail);
+    const XercesSession session;  // what the library throws is its memory: it is read before the session ends
+    try {
+        return document_text(settings);
+    } catch (const xercesc::DOMException& fault) {
+        platform::debug_print("Writing " + file + ": " + utf8_of(fault.getMessage()) + "\n");
+        return std::nullopt;
+    }
 }
 
 }  // namespace
