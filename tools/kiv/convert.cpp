@@ -70,7 +70,7 @@ std::vector<Converted> plan(Arguments& arguments) {
     std::vector<Converted> rows;
     std::map<fs::path, std::string> sources;
     for (const std::string& input : arguments.inputs) {
-        const fs::path output = folder / fs::path(input).filename().replace_extension(file_extension(arguments.style.kind));
+        const fs::path output = folder / path_of(input).filename().replace_extension(file_extension(arguments.style.kind));
         const auto [other, is_new] = sources.emplace(output, input);
         if (!is_new)
             throw ToolError(ExitCode::kUsage, printable(other->second) + " and " + printable(input) + " would both become " +
@@ -82,7 +82,7 @@ std::vector<Converted> plan(Arguments& arguments) {
 
 void refuse_own_source(const Converted& row) {
     std::error_code error;
-    if (fs::equivalent(row.input, row.output, error))
+    if (fs::equivalent(path_of(row.input), path_of(row.output), error))
         throw ToolError(ExitCode::kFailed, printable(row.output) + " would replace its own source");
 }
 

@@ -4,8 +4,10 @@
 
 #include "error.h"
 
+std::filesystem::path path_of(const std::string& name) { return std::u8string(name.begin(), name.end()); }
+
 std::filesystem::path made_folder(const std::string& name) {
-    const std::filesystem::path folder(std::u8string(name.begin(), name.end()));
+    const auto folder = path_of(name);
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error) throw ToolError(ExitCode::kFailed, "the folder \"" + name + "\" cannot be made: " + error.message());

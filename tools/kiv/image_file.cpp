@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 
+#include "files.h"
 #include "options.h"
 #include "status_names.h"
 #include "text.h"
@@ -41,7 +42,7 @@ const char* file_kind_name(FileKind kind) { return row_of(kind).name; }
 const char* file_extension(FileKind kind) { return row_of(kind).extension; }
 
 std::optional<FileKind> file_kind_of(const std::string& file) {
-    std::string extension = std::filesystem::path(file).extension().string();
+    std::string extension = path_of(file).extension().string();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     const auto* row = std::find_if(kKinds.begin(), kKinds.end(), [&](const KindRow& kind) {

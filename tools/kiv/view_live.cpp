@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "files.h"
 #include "interrupt.h"
 #include "text.h"
 
@@ -41,7 +42,7 @@ std::string free_file(const std::string& folder, const char* extension, unsigned
     for (;; ++number) {
         const std::string digits = std::to_string(number);
         const std::string name = "view_" + std::string(6 - std::min<std::size_t>(digits.size(), 6), '0') + digits + extension;
-        const std::filesystem::path path = std::filesystem::path(folder) / name;
+        const std::filesystem::path path = path_of(folder) / name;
         std::error_code error;
         if (!std::filesystem::exists(path, error)) return path.string();
     }
