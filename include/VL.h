@@ -147,8 +147,8 @@ VL_API const char* VL_CALL vlGetLastErrorText(void);
 VL_API VL_STATUS VL_CALL vlGetImageType(uint64_t pixelType, uint64_t* pImageType);
 
 /**
- * A pixel format's name in the PFNC (or GigE Vision's), and the code of a name, in any case of letters. *pName is a constant text.
- * VL_ST_NOT_IMPLEMENTED for one that the library does not know.
+ * A pixel format's name in the PFNC (or GigE Vision's), and the code of a name, in any case of letters. *pName is a constant
+ * text. VL_ST_NOT_IMPLEMENTED for one that the library does not know.
  */
 VL_API VL_STATUS VL_CALL vlGetPixelFormatName(uint64_t pixelType, const char** pName);
 VL_API VL_STATUS VL_CALL vlGetPixelFormatByName(const char* name, uint64_t* pPixelType);
